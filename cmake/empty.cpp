@@ -1,0 +1,1 @@
+// The shared library is linked from the zel_core objects.

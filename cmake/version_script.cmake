@@ -1,0 +1,16 @@
+# Joins the export lists (one symbol per line, '#' comments) into a linker
+# version script that keeps every other symbol local.
+separate_arguments(lists UNIX_COMMAND "${LISTS}")
+set(body "{\n  global:\n")
+foreach(list IN LISTS lists)
+  file(STRINGS "${list}" lines)
+  foreach(line IN LISTS lines)
+    string(STRIP "${line}" line)
+    if(line STREQUAL "" OR line MATCHES "^#")
+      continue()
+    endif()
+    string(APPEND body "    ${line};\n")
+  endforeach()
+endforeach()
+string(APPEND body "  local: *;\n};\n")
+file(WRITE "${OUT}" "${body}")
