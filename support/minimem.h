@@ -67,6 +67,7 @@ protected:
     int m_size;
 
 private:
+    void ShrinkTo(int n);
     int AddValue(const void* v, int width) {
         if (m_capacity - m_size >= width) {
             std::memcpy(m_data + m_size, v, width);
