@@ -57,6 +57,12 @@ public:
     bool operator==(const CMString& s) const;
     bool operator!=(const CMString& s) const;
     bool operator<(const CMString& s) const;
+    // Non-const texts would otherwise also match the built-in pointer
+    // comparison through operator wchar_t*.
+    bool operator==(wchar_t* s) const { return *this == static_cast<const wchar_t*>(s); }
+    bool operator!=(wchar_t* s) const { return *this != static_cast<const wchar_t*>(s); }
+    bool operator<(wchar_t* s) const { return *this < static_cast<const wchar_t*>(s); }
+    bool operator>(wchar_t* s) const { return *this > static_cast<const wchar_t*>(s); }
 
 private:
     CMiniMem m_mem;
@@ -65,6 +71,7 @@ private:
 class ZEL_API CMStringArray : public CMiniMem {
 public:
     CMStringArray();
+    // Releases the pointer block only; RemoveAll() first frees the texts.
     ~CMStringArray() override;
 
     int GetSize() const;
