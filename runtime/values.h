@@ -70,3 +70,7 @@ ZEL_API void FillBaseTypeInfo(DATATYPE_TYPE type, tagZelDataTypeInfo* info);
 // True when p lies inside a registered constant block (this library's own,
 // and the blocks the runtime chained to it).
 ZEL_API bool IsConstData(void* p);
+namespace zel {
+// The constant block holding p, or null.
+void* ConstBlockOf(void* p);
+}  // namespace zel

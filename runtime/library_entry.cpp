@@ -1,0 +1,86 @@
+// The library record, the runtime's hand-over, and the descriptor queries.
+#include "runtime/loader.h"
+#include "runtime/registry.h"
+#include "runtime/services.h"
+#include "runtime/values.h"
+#include "support/textfuncs.h"
+
+ZelObject* g_pRuntimeObject = nullptr;
+tagTBaseTypeInfo* g_pRuntimeClassInfo = nullptr;
+tagTBaseTypeInfo* g_pGCClassInfo = nullptr;
+
+#define E const_cast<wchar_t*>(L"")
+ZelLibInfo g_zellib_info = {
+    0, const_cast<wchar_t*>(L"工具"), const_cast<wchar_t*>(L"本类库提供系统工具类"), E, 0,
+    1, 0, 7, 1.0, 1, {E, E, E}, zel::EnumClassRecords, zel::FindClassRecord, 0, {E, E}, {0, 0, 0},
+};
+#undef E
+
+namespace {
+struct LibraryLifetime {
+    LibraryLifetime() { g_zellib_info.nameHash = GetTextHash(g_zellib_info.name); }
+    ~LibraryLifetime() { CBaseTypeInfoRecorder::CleanUp(); }
+} g_libraryLifetime;
+
+// The class record of the last entry of an object's class chain.
+tagTBaseTypeInfo* OwnClass(ZelObject* obj) {
+    int* chain = obj->classChain;
+    return reinterpret_cast<tagTBaseTypeInfo*>(chain[1 + 2 * (chain[0] - 1)]);
+}
+}  // namespace
+
+ZelLibInfo* ZelGetLibInfo() { return &g_zellib_info; }
+
+int ZelNotifyLib(ZelLibInfo* lib, NOTIFY_LIB_CODE code, unsigned int p1, unsigned int) {
+    if (code != NOTIFY_LIB_RUNTIME) return -1;
+    auto* runtime = reinterpret_cast<ZelObject*>(p1);
+    g_pRuntimeObject = runtime;
+    g_pRuntimeClassInfo = runtime ? OwnClass(runtime) : nullptr;
+    if (!g_pRuntimeClassInfo) return 0;
+    auto memoryManager = reinterpret_cast<tagTBaseTypeInfo* (*)()>(zel::ServiceFunction(g_pRuntimeClassInfo, ZEL_RT_MEMORY_MANAGER));
+    g_pGCClassInfo = memoryManager ? memoryManager() : nullptr;
+    g_EmptyConst.library = lib;
+    zel::RegisterConstBlock(&g_EmptyConst);
+    return 0;
+}
+
+// ---- descriptor queries ----------------------------------------------------
+
+namespace {
+template <typename Visit>
+void WalkChainFromOwnClass(ZelObject* obj, Visit visit) {
+    int* chain = obj->classChain;
+    for (int i = chain[0] - 1; i >= 0; --i) {
+        auto* record = reinterpret_cast<tagTBaseTypeInfo*>(chain[1 + 2 * i]);
+        if (record) visit(record);
+    }
+}
+}  // namespace
+
+// Deliberately tests the element table before walking the methods: a class
+// without elements contributes no methods.
+void EnumObjectAllMethods(ZelObject* obj, void (*callback)(tagMethodItem*, void*), void* context) {
+    if (!callback) return;
+    WalkChainFromOwnClass(obj, [&](tagTBaseTypeInfo* r) {
+        if (!r->elements) return;
+        for (int i = 0; i < r->methodCount; ++i) callback(&r->methods[i], context);
+    });
+}
+
+void EnumObjectAllElements(ZelObject* obj, void (*callback)(tagElementItem*, void*), void* context) {
+    if (!callback) return;
+    WalkChainFromOwnClass(obj, [&](tagTBaseTypeInfo* r) {
+        if (!r->elements || r->elementCount <= 0) return;
+        for (int i = 0; i < r->elementCount; ++i) callback(&r->elements[i], context);
+    });
+}
+
+bool MethodIsReadProperty(tagMethodItem* m) {
+    return m && (m->flags & ZEL_METHOD_PROPERTY_BIT) && m->paramCount == 0 && m->returnType && *m->returnType;
+}
+
+bool MethodIsWriteProperty(tagMethodItem* m) {
+    return m && (m->flags & ZEL_METHOD_PROPERTY_BIT) && m->paramCount == 1 && (!m->returnType || !*m->returnType);
+}
+
+bool MethodIsProperty(tagMethodItem* m) { return MethodIsReadProperty(m) || MethodIsWriteProperty(m); }
