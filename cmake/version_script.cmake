@@ -3,7 +3,7 @@
 separate_arguments(lists UNIX_COMMAND "${LISTS}")
 set(body "{\n  global:\n")
 foreach(list IN LISTS lists)
-  file(STRINGS "${list}" lines)
+  file(STRINGS "${list}" lines ENCODING UTF-8)
   foreach(line IN LISTS lines)
     string(STRIP "${line}" line)
     if(line STREQUAL "" OR line MATCHES "^#")
