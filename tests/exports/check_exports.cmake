@@ -12,6 +12,11 @@ foreach(list IN LISTS lists)
 endforeach()
 list(REMOVE_DUPLICATES expected)
 
+execute_process(COMMAND readelf -h "${LIBRARY}" OUTPUT_VARIABLE header)
+if(NOT header MATCHES "Class: +ELF32" OR NOT header MATCHES "Type: +DYN" OR NOT header MATCHES "Machine: +Intel 80386")
+  message(FATAL_ERROR "${LIBRARY} is not a 32-bit x86 shared object:\n${header}")
+endif()
+
 execute_process(COMMAND nm -D --defined-only --format=posix "${LIBRARY}" OUTPUT_VARIABLE nm_out RESULT_VARIABLE rc)
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "nm failed on ${LIBRARY}")
