@@ -1,0 +1,101 @@
+#include "support/ptrlist.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+void* P(intptr_t v) { return reinterpret_cast<void*>(v); }
+
+std::vector<intptr_t> Values(PtrList& list) {
+    std::vector<intptr_t> out;
+    for (auto it = list.begin(); it != list.end(); ++it) out.push_back(reinterpret_cast<intptr_t>(*it));
+    return out;
+}
+
+std::string Thrown(void (*call)(PtrList&), PtrList& list) {
+    try {
+        call(list);
+    } catch (const char* message) {
+        return message;
+    }
+    return "";
+}
+
+TEST(PtrList, EmptyListGivesSentinels) {
+    PtrList list;
+    EXPECT_EQ(list.get(0), list.end());
+    EXPECT_EQ(list.find(P(1)), list.end());
+    EXPECT_EQ(list.rfind(P(1)), list.rend());
+    EXPECT_EQ(list.erase(list.begin()), list.end());
+    EXPECT_EQ(list.size(), 0u);
+    list.clear();
+    list.insert(list.end(), P(3));
+    EXPECT_EQ(Values(list), (std::vector<intptr_t>{3}));
+}
+
+TEST(PtrList, InsertBeforePositionAndEraseReturnsFollower) {
+    PtrList list;
+    list.insert(list.end(), P(2));
+    list.insert(list.end(), P(3));
+    list.insert(list.get(0), P(1));
+    list.insert(list[2], P(9));
+    EXPECT_EQ(Values(list), (std::vector<intptr_t>{1, 2, 9, 3}));
+    EXPECT_EQ(list.get(4), list.end()) << "index equal to the count is the end";
+    EXPECT_EQ(*list[1], P(2)) << "operator[] yields an iterator";
+    auto next = list.erase(list.get(2));
+    EXPECT_EQ(*next, P(3));
+    EXPECT_EQ(list.erase(list.get(2)), list.end());
+    EXPECT_EQ(list.size(), 2u);
+    list.clear();
+    EXPECT_EQ(list.begin(), list.end());
+}
+
+bool SameParity(void* a, void* b) { return (reinterpret_cast<intptr_t>(a) - reinterpret_cast<intptr_t>(b)) % 2 == 0; }
+
+TEST(PtrList, FindGivesFirstAndRfindLastMatch) {
+    PtrList list(SameParity);
+    for (intptr_t v : {1, 2, 3, 4, 5, 6}) list.insert(list.end(), P(v));
+    EXPECT_EQ(*list.find(P(8)), P(2));
+    EXPECT_EQ(*list.rfind(P(8)), P(6));
+    EXPECT_EQ(*list.rfind(P(7)), P(5));
+
+    PtrList identity;
+    identity.insert(identity.end(), P(4));
+    identity.insert(identity.end(), P(4));
+    EXPECT_EQ(identity.find(P(4)), identity.get(0));
+    EXPECT_EQ(identity.rfind(P(4)), identity.get(1));
+    EXPECT_EQ(identity.find(P(5)), identity.end());
+}
+
+TEST(PtrList, MisuseThrowsItsMessage) {
+    PtrList list;
+    EXPECT_EQ(Thrown([](PtrList& l) { auto it = l.end(); ++it; }, list), "iterator out of range");
+    EXPECT_EQ(Thrown([](PtrList& l) { auto it = l.rend(); --it; }, list), "iterator out of range");
+
+    list.insert(list.end(), P(1));
+    list.insert(list.end(), P(2));
+    PtrList::Node* last = list.get(1).node();
+    PtrList::Node* first = list.get(0).node();
+
+    // Links that contradict the count.
+    last->next = nullptr;
+    EXPECT_EQ(Thrown([](PtrList& l) { l.rfind(P(7)); }, list), "access value of iterator end()");
+    EXPECT_EQ(Thrown([](PtrList& l) { l.find(P(7)); }, list), "iterator out of range");
+    last->next = list.end().node();
+
+    last->prev = nullptr;
+    EXPECT_EQ(Thrown([](PtrList& l) { l.rfind(P(7)); }, list), "access value of iterator rend()");
+    last->prev = first;
+
+    first->next = nullptr;
+    EXPECT_EQ(Thrown([](PtrList& l) { l.get(1); }, list), "iterator out of range");
+    EXPECT_EQ(Thrown([](PtrList& l) { l.clear(); }, list), "iterator out of range");
+    first->next = last;
+    EXPECT_EQ(Values(list), (std::vector<intptr_t>{1, 2}));
+}
+
+}  // namespace
