@@ -1,0 +1,76 @@
+// 工具.栈: a last-in, first-out stack of objects on a deque whose back is the
+// top. It keeps the pointers exactly as pushed: no clone, no reference taken,
+// none released.
+#include <deque>
+
+#include "runtime/class_table.h"
+#include "runtime/values.h"
+
+using ObjectDeque = std::deque<ZelObject*>;
+
+ZEL_EXPORT ObjectDeque* _Stack_GetData(ZelObject* obj) { return static_cast<ObjectDeque*>(GetDataItemData(obj, 1, 0)); }
+
+ZEL_EXPORT void Stack_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new ObjectDeque); }
+
+ZEL_EXPORT void Stack_Free(ZelObject* obj) {
+    delete _Stack_GetData(obj);
+    SetDataItemData(obj, 1, 0, nullptr);
+}
+
+// A shallow copy: the same pointers in the same order. A stack without a
+// deque clones to an empty one.
+ZEL_EXPORT ObjectDeque* Stack_Clone(ZelObject* obj) {
+    auto* copy = new ObjectDeque;
+    if (ObjectDeque* items = _Stack_GetData(obj)) *copy = *items;
+    return copy;
+}
+
+ZEL_EXPORT void Stack_Push(ZelObject* obj, ZelObject* item) {
+    if (ObjectDeque* items = _Stack_GetData(obj)) items->push_back(item);
+}
+
+// Popping an empty stack does nothing.
+ZEL_EXPORT void Stack_Pop(ZelObject* obj) {
+    ObjectDeque* items = _Stack_GetData(obj);
+    if (items && !items->empty()) items->pop_back();
+}
+
+// An empty stack has no top: null.
+ZEL_EXPORT ZelObject* Stack_Top(ZelObject* obj) {
+    ObjectDeque* items = _Stack_GetData(obj);
+    return items && !items->empty() ? items->back() : nullptr;
+}
+
+ZEL_EXPORT int Stack_IsEmpty(ZelObject* obj) {
+    ObjectDeque* items = _Stack_GetData(obj);
+    return items && items->empty();
+}
+
+ZEL_EXPORT int Stack_GetCount(ZelObject* obj) {
+    ObjectDeque* items = _Stack_GetData(obj);
+    return items ? int(items->size()) : -1;
+}
+
+// The stack cannot be stored: both directions report failure.
+ZEL_EXPORT int Stack_SaveToStream(ZelObject*, ZelObject*) { return 0; }
+ZEL_EXPORT int Stack_LoadFromStream(ZelObject*, ZelObject*) { return 0; }
+
+using namespace zel;
+
+static tagParamItem kPush[] = {Param(L"项目", L"系统.对象", L"欲加入到栈顶的项目")};
+static tagParamItem kSerialize[] = {Param(L"流对象", L"系统.输出流", L"本参数提供接收对象数据的流对象")};
+static tagParamItem kUnserialize[] = {Param(L"流对象", L"系统.输入流", L"本参数为提供对象数据的流对象")};
+
+static tagMethodItem kMethods[] = {
+    Method(L"加入", L"", kPush, Stack_Push, L"加入指定项目到栈的顶部"),
+    Method(L"删除", L"", Stack_Pop, L"删除栈顶项目"),
+    Method(L"取项目", L"系统.对象", Stack_Top, L"取栈顶项目"),
+    Method(L"是否为空", L"_b", Stack_IsEmpty, L"测试栈是否为空"),
+    Method(L"取项目数", L"_i", Stack_GetCount, L"取栈中所有项目的数量"),
+    Method(L"序列化", L"_b", kSerialize, Stack_SaveToStream, L"把对象内所有需要保存的数据序列化到一个流对象中"),
+    Method(L"反序列化", L"_b", kUnserialize, Stack_LoadFromStream,
+           L"根据流对象中的序列化数据来重置当前对象。成功返回真，失败返回假"),
+};
+static tagElementItem kElements[] = {HiddenState()};
+ZEL_EXPORT tagTBaseTypeInfo g_info_Stack = ClassRecord(L"工具.栈", L"栈类", kMethods, kElements);
+ZEL_REGISTER_CLASS(g_info_Stack);

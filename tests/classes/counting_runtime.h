@@ -1,0 +1,89 @@
+// A stand-in runtime for container unit tests. While it lives it is the
+// library's runtime: it counts the references taken and dropped on each
+// object, resolving a copy of an object's first words to the object through
+// word 0 (as the host does; a TestObject's word 0 is its own address), and
+// makes texts and byte sets as plain blocks that it frees on release.
+#pragma once
+
+#include <cstdint>
+#include <iterator>
+#include <map>
+#include <set>
+
+#include "runtime/loader.h"
+#include "runtime/memory.h"
+#include "runtime/services.h"
+#include "runtime/values.h"
+
+class CountingRuntime {
+public:
+    CountingRuntime() {
+        s_current = this;
+        for (auto& item : m_runtimeMethods) item = tagMethodItem{};
+        for (auto& item : m_memoryMethods) item = tagMethodItem{};
+        m_runtimeMethods[ZEL_RT_MEMORY_MANAGER].function = reinterpret_cast<void*>(MemoryManager);
+        m_memoryMethods[ZEL_MM_NEW_TEXT].function = reinterpret_cast<void*>(NewText);
+        m_memoryMethods[ZEL_MM_NEW_BIN].function = reinterpret_cast<void*>(NewBin);
+        m_memoryMethods[ZEL_MM_ADD_REF].function = reinterpret_cast<void*>(AddRef);
+        m_memoryMethods[ZEL_MM_RELEASE].function = reinterpret_cast<void*>(Release);
+        m_runtimeClass.methodCount = int(std::size(m_runtimeMethods));
+        m_runtimeClass.methods = m_runtimeMethods;
+        m_memoryClass.methodCount = int(std::size(m_memoryMethods));
+        m_memoryClass.methods = m_memoryMethods;
+        m_chain[0] = 1;
+        m_chain[1] = int(reinterpret_cast<intptr_t>(&m_runtimeClass));
+        m_object.classChain = m_chain;
+        ZelNotifyLib(&g_zellib_info, NOTIFY_LIB_RUNTIME, unsigned(reinterpret_cast<uintptr_t>(&m_object)), 0);
+    }
+    ~CountingRuntime() {
+        for (void* value : m_values) zel_free(value);
+        g_pRuntimeObject = nullptr;
+        g_pRuntimeClassInfo = nullptr;
+        g_pGCClassInfo = nullptr;
+        s_current = nullptr;
+    }
+    CountingRuntime(const CountingRuntime&) = delete;
+    CountingRuntime& operator=(const CountingRuntime&) = delete;
+
+    // References taken minus references dropped on the object.
+    int Net(ZelObject* obj) const {
+        auto it = m_net.find(obj);
+        return it == m_net.end() ? 0 : it->second;
+    }
+    int LiveValues() const { return int(m_values.size()); }
+
+private:
+    static tagTBaseTypeInfo* MemoryManager() { return &s_current->m_memoryClass; }
+    static unsigned char* NewText(wchar_t* s) { return s_current->Track(MCloneZelText(s)); }
+    static unsigned char* NewBin(void* data, int length) { return s_current->Track(MCloneZelBin(data, length)); }
+    static void* AddRef(void* handle) {
+        if (!handle || IsConstData(handle) || s_current->m_values.count(handle)) return handle;
+        ZelObject* obj = Resolve(handle);
+        ++s_current->m_net[obj];
+        return obj;
+    }
+    static void Release(void* handle) {
+        if (!handle || IsConstData(handle)) return;
+        if (s_current->m_values.erase(handle)) {
+            zel_free(handle);
+            return;
+        }
+        --s_current->m_net[Resolve(handle)];
+    }
+    static ZelObject* Resolve(void* handle) { return *static_cast<ZelObject**>(handle); }
+
+    unsigned char* Track(unsigned char* value) {
+        if (!IsConstData(value)) m_values.insert(value);
+        return value;
+    }
+
+    static inline CountingRuntime* s_current = nullptr;
+    tagMethodItem m_runtimeMethods[17];
+    tagMethodItem m_memoryMethods[6];
+    tagTBaseTypeInfo m_runtimeClass{};
+    tagTBaseTypeInfo m_memoryClass{};
+    int m_chain[3] = {};
+    ZelObject m_object{};
+    std::map<ZelObject*, int> m_net;
+    std::set<void*> m_values;
+};
