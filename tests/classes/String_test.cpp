@@ -1,0 +1,134 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "common/test_object.h"
+#include "runtime/memory.h"
+#include "runtime/values.h"
+
+extern "C" {
+extern tagTBaseTypeInfo g_info_String;
+void String_Init(ZelObject*);
+void String_Free(ZelObject*);
+int String_Serialize(ZelObject*, ZelObject*);
+int String_Unserialize(ZelObject*, ZelObject*);
+unsigned char* String_GetText(ZelObject*);
+void String_SetText(ZelObject*, unsigned char*);
+int String_GetLength(ZelObject*);
+void String_Append(ZelObject*, unsigned char*);
+void String_Insert(ZelObject*, int, unsigned char*);
+void String_Delete(ZelObject*, int, int);
+int String_Find(ZelObject*, unsigned char*, int);
+int String_ReverseFind(ZelObject*, unsigned char*, int);
+int String_Replace(ZelObject*, unsigned char*, int);
+int String_Compare(ZelObject*, unsigned char*);
+int String_Equals(ZelObject*, unsigned char*);
+unsigned char* String_ToText(ZelObject*);
+}
+
+namespace {
+// A ZelText argument that frees itself.
+struct Text {
+    unsigned char* handle;
+    explicit Text(const wchar_t* s) : handle(MCloneZelText(const_cast<wchar_t*>(s))) {}
+    ~Text() { zel_free(handle); }
+    operator unsigned char*() const { return handle; }
+};
+
+std::wstring Take(unsigned char* text) {
+    std::wstring s(zel::TextChars(text));
+    zel_free(text);
+    return s;
+}
+
+class StringTest : public ::testing::Test {
+protected:
+    TestObject t{&g_info_String, String_Init, String_Free};
+    void Set(const wchar_t* s) { String_SetText(t, Text(s)); }
+    std::wstring Content() { return Take(String_GetText(t)); }
+};
+}  // namespace
+
+TEST_F(StringTest, BuildsTextByAppendingAndInserting) {
+    EXPECT_EQ(String_GetLength(t), 0);
+    EXPECT_EQ(Content(), L"");
+    String_Append(t, Text(L"ab"));
+    String_Insert(t, 0, Text(L"x"));
+    EXPECT_EQ(Content(), L"xab");
+    String_Insert(t, 3, Text(L"y"));
+    EXPECT_EQ(Content(), L"xaby");
+    EXPECT_THROW(String_Insert(t, 5, Text(L"z")), std::out_of_range);
+    EXPECT_THROW(String_Insert(t, -1, Text(L"z")), std::out_of_range);
+    String_Append(t, nullptr);
+    String_Insert(t, 0, nullptr);
+    EXPECT_EQ(Take(String_ToText(t)), L"xaby");
+    String_SetText(t, nullptr);
+    EXPECT_EQ(String_GetLength(t), 0);
+}
+
+TEST_F(StringTest, DeleteRemovesStartPlusCountCappedAtTheEnd) {
+    const struct { int start, count; const wchar_t* left; } cases[] = {
+        {2, 2, L"ab"}, {0, 2, L"cdef"}, {4, 1, L"abcd"}, {1, -1, L"abcdef"}, {6, 3, L"abcdef"}, {0, 100, L""},
+    };
+    for (auto& c : cases) {
+        Set(L"abcdef");
+        String_Delete(t, c.start, c.count);
+        EXPECT_EQ(Content(), c.left) << c.start << "," << c.count;
+    }
+    Set(L"abcdef");
+    try {
+        String_Delete(t, 9, 1);
+        FAIL() << "no exception";
+    } catch (const std::out_of_range& e) {
+        EXPECT_EQ(std::string(e.what()).rfind("basic_string::erase", 0), 0u) << e.what();
+    }
+    EXPECT_EQ(Content(), L"abcdef");
+}
+
+TEST_F(StringTest, SearchesWithUnsignedStarts) {
+    Set(L"abcb");
+    EXPECT_EQ(String_Find(t, Text(L"b"), 0), 1);
+    EXPECT_EQ(String_Find(t, Text(L"b"), 2), 3);
+    EXPECT_EQ(String_Find(t, Text(L"b"), 4), -1);
+    EXPECT_EQ(String_Find(t, Text(L"b"), -1), -1);
+    EXPECT_EQ(String_ReverseFind(t, Text(L"b"), -1), 3);
+    EXPECT_EQ(String_ReverseFind(t, Text(L"b"), 2), 1);
+    EXPECT_EQ(String_ReverseFind(t, Text(L"b"), 0), -1);
+    EXPECT_EQ(String_ReverseFind(t, Text(L"abcbx"), -1), -1);
+    EXPECT_EQ(String_Find(t, nullptr, 0), -1);
+    EXPECT_EQ(String_ReverseFind(t, nullptr, -1), -1);
+    Set(L"abc");
+    EXPECT_EQ(String_Find(t, Text(L""), 2), 2);
+    EXPECT_EQ(String_Find(t, Text(L""), 4), -1);
+}
+
+TEST_F(StringTest, CompareGivesTheLengthDifferenceAfterEqualPrefixes) {
+    Set(L"abc");
+    EXPECT_LT(String_Compare(t, Text(L"abd")), 0);
+    EXPECT_GT(String_Compare(t, Text(L"abb")), 0);
+    EXPECT_EQ(String_Compare(t, Text(L"ab")), 1);
+    EXPECT_EQ(String_Compare(t, Text(L"abcde")), -2);
+    EXPECT_EQ(String_Compare(t, Text(L"abc")), 0);
+    EXPECT_EQ(String_Equals(t, Text(L"abc")), 1);
+    EXPECT_EQ(String_Equals(t, Text(L"ab")), 0);
+    Set(L"ab");
+    EXPECT_EQ(String_Compare(t, Text(L"abc")), -1);
+}
+
+TEST_F(StringTest, ReplaceAndSerializationLeaveTheContent) {
+    Set(L"abab");
+    EXPECT_EQ(String_Replace(t, Text(L"a"), 7), 0);
+    EXPECT_EQ(String_Serialize(t, nullptr), 1);
+    EXPECT_EQ(String_Unserialize(t, nullptr), 1);
+    EXPECT_EQ(Content(), L"abab");
+}
+
+TEST(StringRecord, SerializationItemsHaveNoFunctionAndToTextIsLogical) {
+    ASSERT_EQ(g_info_String.methodCount, 14);
+    EXPECT_EQ(g_info_String.methods[11].function, nullptr);
+    EXPECT_STREQ(g_info_String.methods[11].params[0].type, L"系统.输出流");
+    EXPECT_EQ(g_info_String.methods[12].function, nullptr);
+    EXPECT_STREQ(g_info_String.methods[13].returnType, L"_b");
+    EXPECT_STREQ(g_info_String.methods[8].params[1].type, L"_i");
+}
