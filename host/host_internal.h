@@ -1,0 +1,44 @@
+// Internals shared by the host's source files (hidden in 系统.ncl).
+#pragma once
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "host/host_api.h"
+#include "runtime/services.h"
+
+extern "C" ZELHOST_API tagTBaseTypeInfo g_info_SystemObject;
+
+namespace zelhost {
+
+// The host's own class records (runtime.cpp).
+extern ZelLibInfo g_sysLibInfo;
+tagTBaseTypeInfo* HostFindRecord(const std::wstring& name);
+std::vector<tagTBaseTypeInfo*> HostRecords();
+ZelObject* RuntimeObject();
+
+// Record names of the host's own records (for ncl show / check).
+std::string HostRecordName(const void* record);
+
+// Bindings (bindings.cpp).
+// Export bound to item `index` (0-based) of a record without a function, or "".
+std::string BoundExport(const std::string& recordName, int index);
+// Extra leading 32-bit words of a calling irregularity.
+int LeadingWords(const std::string& recordName, const wchar_t* itemName);
+
+// Reports (runtime.cpp): the formats of Part 1.5.
+std::string FormatReport(const wchar_t* library, int code, const wchar_t* message);
+void AddFinding(const std::string& kind, const std::string& message);
+std::string CurrentWhere();
+std::string DescribeHandle(void* handle);  // "文本 \"ab\" made at f.zs:3"
+int ReportCount();
+
+// Type strings.
+bool IsDoubleType(const wchar_t* t);
+std::string TypeString(const wchar_t* t);  // UTF-8, "" for null
+
+// Peeks at three words of memory the host does not own (no ASan check).
+void PeekWords(const void* p, void* out[3]);
+
+}  // namespace zelhost

@@ -1,0 +1,139 @@
+// ncl: list, show, check, document and drive class libraries through the
+// runtime host 系统.ncl.
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <streambuf>
+#include <string>
+
+#include "host/host_api.h"
+
+namespace {
+
+// Writes straight to a file descriptor, flushing the C stdio streams first so
+// that the libraries' own console output (wide stdio) keeps its place.
+class FdBuf : public std::streambuf {
+public:
+    explicit FdBuf(int fd) : fd_(fd) { setp(buf_, buf_ + sizeof buf_); }
+    ~FdBuf() override { sync(); }
+
+protected:
+    int overflow(int c) override {
+        if (sync() != 0) return traits_type::eof();
+        if (c != traits_type::eof()) {
+            *pptr() = char(c);
+            pbump(1);
+        }
+        return traits_type::not_eof(c);
+    }
+    int sync() override {
+        std::fflush(stdout);
+        std::fflush(stderr);
+        const char* p = pbase();
+        size_t n = size_t(pptr() - pbase());
+        while (n) {
+            ssize_t w = ::write(fd_, p, n);
+            if (w <= 0) return -1;
+            p += w;
+            n -= size_t(w);
+        }
+        setp(buf_, buf_ + sizeof buf_);
+        return 0;
+    }
+
+private:
+    int fd_;
+    char buf_[4096];
+};
+
+int Usage(std::ostream& err) {
+    err << "usage:\n"
+           "  ncl list LIB            the library record and its classes, one line each\n"
+           "  ncl show LIB CLASS      one class: base, interfaces, elements, properties, methods, hooks\n"
+           "  ncl check LIB           conformance check of the descriptors (non-zero exit on a finding)\n"
+           "  ncl doc LIB             Markdown reference of every class\n"
+           "  ncl run [--audit] SCRIPT|-   run a script (see docs/runtime-abi.md)\n"
+           "LIB is a path to a .ncl file, or a library name looked up in ZELCLS_PATHS.\n";
+    return 2;
+}
+
+// When ZELCLS_PATHS is unset, the directory of 系统.ncl stands in for it, so
+// that a library's own loader finds this host.
+void DefaultSearchPath() {
+    const char* env = std::getenv("ZELCLS_PATHS");
+    if (env && *env) return;
+    Dl_info info{};
+    if (!dladdr(reinterpret_cast<void*>(&ZelInitSysLib), &info) || !info.dli_fname) return;
+    std::string p = info.dli_fname;
+    size_t slash = p.rfind('/');
+    std::string dir = slash == std::string::npos ? "." : p.substr(0, slash);
+    setenv("ZELCLS_PATHS", dir.c_str(), 1);
+}
+
+zelhost::Library* Open(const std::string& arg, std::ostream& err) {
+    std::string e;
+    zelhost::Library* lib = nullptr;
+    if (arg.find('/') == std::string::npos && access(arg.c_str(), F_OK) != 0) {
+        std::string name = arg;
+        if (name.size() > 4 && name.compare(name.size() - 4, 4, ".ncl") == 0) name.resize(name.size() - 4);
+        lib = zelhost::LibraryForClass(zelhost::FromUtf8(name + ".x"), &e);
+    } else {
+        lib = zelhost::OpenLibrary(arg, &e);
+    }
+    if (!lib) err << "ncl: " << e << "\n";
+    return lib;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    FdBuf outBuf(1), errBuf(2);
+    std::ostream out(&outBuf), err(&errBuf);
+    DefaultSearchPath();
+    if (argc < 2) return Usage(err);
+    std::string cmd = argv[1];
+    int status = 0;
+    if (cmd == "run") {
+        zelhost::RunOptions opt;
+        std::string script;
+        for (int i = 2; i < argc; ++i) {
+            std::string a = argv[i];
+            if (a == "--audit") opt.audit = true;
+            else if (script.empty()) script = a;
+            else return Usage(err);
+        }
+        if (script.empty()) return Usage(err);
+        if (script == "-") {
+            status = zelhost::RunScript(std::cin, "-", opt, out, err);
+        } else {
+            std::ifstream in(script);
+            if (!in) {
+                err << "ncl: cannot open " << script << "\n";
+                return 2;
+            }
+            status = zelhost::RunScript(in, script, opt, out, err);
+        }
+    } else if (cmd == "list" || cmd == "check" || cmd == "doc") {
+        if (argc != 3) return Usage(err);
+        zelhost::Library* lib = Open(argv[2], err);
+        if (!lib) return 2;
+        if (cmd == "list") status = zelhost::ListLibrary(lib, out, err);
+        else if (cmd == "check") status = zelhost::CheckLibrary(lib, out, err);
+        else status = zelhost::DocLibrary(lib, out, err);
+    } else if (cmd == "show") {
+        if (argc != 4) return Usage(err);
+        zelhost::Library* lib = Open(argv[2], err);
+        if (!lib) return 2;
+        status = zelhost::ShowClass(lib, zelhost::FromUtf8(argv[3]), out, err);
+    } else {
+        return Usage(err);
+    }
+    out.flush();
+    err.flush();
+    return status;
+}
