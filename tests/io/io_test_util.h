@@ -1,0 +1,69 @@
+// Shared helpers of the io tests: a private temporary directory removed with
+// everything in it, whole-file reads and writes, descriptor counting, and
+// owners for the values that the functions under test hand back.
+#pragma once
+
+#include <dirent.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "runtime/memory.h"
+
+class TempDir {
+public:
+    TempDir() {
+        char pattern[] = "/tmp/zel_io_XXXXXX";
+        m_path = mkdtemp(pattern) ? pattern : "";
+    }
+    ~TempDir() {
+        if (!m_path.empty()) std::filesystem::remove_all(m_path);
+    }
+    std::string Path(const std::string& name) const { return m_path + "/" + name; }
+    std::wstring WPath(const std::string& name) const {
+        std::string p = Path(name);
+        return std::wstring(p.begin(), p.end());
+    }
+    const std::string& path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+inline void WriteFileBytes(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+inline std::string ReadFileBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+inline int OpenDescriptors() {
+    int n = 0;
+    if (DIR* dir = opendir("/proc/self/fd")) {
+        while (readdir(dir)) ++n;
+        closedir(dir);
+    }
+    return n;
+}
+
+// Owns a text or byte set made by the library (zel_free leaves the shared
+// empty constants alone).
+struct Owned {
+    unsigned char* h;
+    explicit Owned(unsigned char* handle) : h(handle) {}
+    ~Owned() { zel_free(h); }
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+    int binLength() const { return h ? reinterpret_cast<int*>(h)[2] : -1; }
+    std::string bytes() const { return h ? std::string(reinterpret_cast<char*>(h + 12), binLength()) : "<null>"; }
+    std::wstring text() const { return h ? std::wstring(reinterpret_cast<wchar_t*>(h + 8)) : L"<null>"; }
+};
+
+inline unsigned char* MakeBin(const std::string& bytes) {
+    return MCloneZelBin(const_cast<char*>(bytes.data()), int(bytes.size()));
+}
