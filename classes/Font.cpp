@@ -1,0 +1,143 @@
+// 工具.字体: a font description, a name and six integer attributes.
+#include <algorithm>
+#include <vector>
+
+#include "runtime/class_table.h"
+#include "runtime/errors.h"
+#include "runtime/services.h"
+#include "runtime/values.h"
+#include "support/mstring.h"
+#include "support/textfuncs.h"
+
+struct FontRecord {
+    CMString name;
+    int charset = 0;
+    int size = 0;
+    int family = 0;
+    int style = 90;
+    int underline = 0;
+    int weight = 90;
+};
+static_assert(sizeof(CMString) == 16);
+static_assert(sizeof(FontRecord) == 40);
+
+ZEL_EXPORT FontRecord* _Font_GetData(ZelObject* obj) { return static_cast<FontRecord*>(GetDataItemData(obj, 1, 0)); }
+
+ZEL_EXPORT void Font_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new FontRecord); }
+
+ZEL_EXPORT void Font_Free(ZelObject* obj) {
+    delete _Font_GetData(obj);
+    SetDataItemData(obj, 1, 0, nullptr);
+}
+
+ZEL_EXPORT unsigned char* Font_GetName(ZelObject* obj) {
+    FontRecord* f = _Font_GetData(obj);
+    return f ? zel::NewText(f->name.GetText()) : zel::EmptyText();
+}
+ZEL_EXPORT void Font_SetName(ZelObject* obj, unsigned char* value) {
+    FontRecord* f = _Font_GetData(obj);
+    if (f && value) f->name.SetText(zel::TextChars(value));
+}
+
+// The integer attributes read -1 without a record (the underline flag 0).
+#define FONT_INT_PROPERTY(Name, field, missing)                     \
+    ZEL_EXPORT int Font_Get##Name(ZelObject* obj) {                 \
+        FontRecord* f = _Font_GetData(obj);                         \
+        return f ? f->field : (missing);                            \
+    }                                                               \
+    ZEL_EXPORT void Font_Set##Name(ZelObject* obj, int value) {     \
+        if (FontRecord* f = _Font_GetData(obj)) f->field = value;   \
+    }
+FONT_INT_PROPERTY(Charset, charset, -1)
+FONT_INT_PROPERTY(Size, size, -1)
+FONT_INT_PROPERTY(Family, family, -1)
+FONT_INT_PROPERTY(Style, style, -1)
+FONT_INT_PROPERTY(Underline, underline, 0)
+FONT_INT_PROPERTY(Weight, weight, -1)
+#undef FONT_INT_PROPERTY
+
+// Saving reads the name and drops it: nothing reaches the stream.
+ZEL_EXPORT int Font_SaveToStream(ZelObject* obj, ZelObject*) {
+    unsigned char* name = Font_GetName(obj);
+    if (name != zel::EmptyText()) zel::Release(name);
+    return 1;
+}
+ZEL_EXPORT int Font_LoadFromStream(ZelObject*, ZelObject*) { return 1; }
+
+ZEL_EXPORT unsigned char* Font_ToText(ZelObject* obj) {
+    FontRecord* f = _Font_GetData(obj);
+    if (!f) return zel::EmptyText();
+    // At least 1,024 units; more for a long name, so it never overruns.
+    std::vector<wchar_t> buf(std::max(1024, f->name.GetLength() + 128), 0);
+    swprintf_linux(buf.data(), const_cast<wchar_t*>(L"%s, %d, %d, %d, %d, %d, %d"), f->name.GetText(),
+                   f->charset, f->size, f->family, f->style, f->underline, f->weight);
+    return zel::NewText(buf.data());
+}
+
+// Items beyond the end of the text leave their field unchanged.
+ZEL_EXPORT void Font_FromText(ZelObject* obj, unsigned char* text) {
+    FontRecord* f = _Font_GetData(obj);
+    if (!f) return;
+    CMStringArray items;
+    int n = GetStringList(zel::TextChars(text), items);
+    if (n > 0) {
+        unsigned char* name = zel::NewText(items[0]);
+        Font_SetName(obj, name);
+        zel::Release(name);
+    }
+    int* fields[] = {&f->charset, &f->size, &f->family, &f->style, &f->underline, &f->weight};
+    for (int i = 1; i < n && i <= 6; ++i) *fields[i - 1] = myatoi(items[i]);
+    items.RemoveAll();  // the array leaves its texts to us
+}
+
+// Equal names never give 0: two fonts compare as 0 only when their names
+// differ and all six attributes agree; every other case is -1.
+ZEL_EXPORT int Font_Compare(ZelObject* obj, ZelObject* other) {
+    FontRecord* a = _Font_GetData(obj);
+    FontRecord* b = other ? _Font_GetData(other) : nullptr;
+    if (!a || !b) return -1;
+    int c = mystrcmp(a->name.GetText(), b->name.GetText());
+    bool sameAttributes = a->charset == b->charset && a->size == b->size && a->family == b->family &&
+                          a->style == b->style && a->underline == b->underline && a->weight == b->weight;
+    return c != 0 && sameAttributes ? 0 : -1;
+}
+
+using namespace zel;
+
+static tagParamItem kName[] = {Param(L"名称", L"_s", L"字体的名称")};
+static tagParamItem kCharset[] = {Param(L"编码", L"_i", L"字体的编码")};
+static tagParamItem kSize[] = {Param(L"尺寸", L"_i", L"字体的尺寸")};
+static tagParamItem kFamily[] = {Param(L"字族", L"_i", L"字体的字族")};
+static tagParamItem kStyle[] = {Param(L"风格", L"_i", L"字体的风格")};
+static tagParamItem kUnderline[] = {Param(L"下划线", L"_b", L"字体的下划线")};
+static tagParamItem kWeight[] = {Param(L"字重", L"_i", L"字体的字重")};
+static tagParamItem kSerialize[] = {Param(L"流对象", L"系统.输出流", L"本参数提供接收对象数据的流对象")};
+static tagParamItem kUnserialize[] = {Param(L"流对象", L"系统.输入流", L"本参数为提供对象数据的流对象")};
+static tagParamItem kText[] = {Param(L"字体文本", L"_s")};
+static tagParamItem kOther[] = {Param(L"欲比较的对象", L"工具.字体", L"本参数提供欲与当前对象进行比较的对象")};
+static tagMethodItem kMethods[] = {
+    Getter(L"名称", L"_s", Font_GetName),
+    Setter(L"名称", kName, Font_SetName),
+    Getter(L"编码", L"_i", Font_GetCharset),
+    Setter(L"编码", kCharset, Font_SetCharset),
+    Getter(L"尺寸", L"_i", Font_GetSize),
+    Setter(L"尺寸", kSize, Font_SetSize),
+    Getter(L"字族", L"_i", Font_GetFamily),
+    Setter(L"字族", kFamily, Font_SetFamily),
+    Getter(L"风格", L"_i", Font_GetStyle),
+    Setter(L"风格", kStyle, Font_SetStyle),
+    Getter(L"下划线", L"_b", Font_GetUnderline),
+    Setter(L"下划线", kUnderline, Font_SetUnderline),
+    Getter(L"字重", L"_i", Font_GetWeight),
+    Setter(L"字重", kWeight, Font_SetWeight),
+    Method(L"序列化", L"_b", kSerialize, Font_SaveToStream, L"把对象内所有需要保存的数据序列化到一个流对象中"),
+    Method(L"反序列化", L"_b", kUnserialize, Font_LoadFromStream,
+           L"根据流对象中的序列化数据来重置当前对象。成功返回真，失败返回假"),
+    Method(L"到文本", L"_s", Font_ToText, L"返回以文本方式表达的对象当前内容"),
+    Method(L"到对象", L"", kText, Font_FromText, L"根据文本方式表达的对象生成字体对象。"),
+    Method(L"比较", L"_i", kOther, Font_Compare, L"确定两个对象谁大谁小"),
+};
+static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 19);
+static tagElementItem kElements[] = {HiddenState()};
+ZEL_EXPORT tagTBaseTypeInfo g_info_Font = ClassRecord(L"工具.字体", L"字体对象", kMethods, kElements);
+ZEL_REGISTER_CLASS(g_info_Font);
