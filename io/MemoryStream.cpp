@@ -53,9 +53,6 @@ int CMemoryStream::IsDataValid(int n) {
     return n >= 0 && m_position >= 0 && int64_t(m_position) + n <= m_size ? 1 : 0;
 }
 
-// Unaligned-safe copy of n bytes at position + offset (the caller checked them).
-void CMemoryStream::Peek(void* out, int offset, int n) const { std::memcpy(out, m_data + m_position + offset, n); }
-
 int CMemoryStream::WriteInt(int v) {
     AddInt(v);
     return 1;

@@ -8,6 +8,8 @@
 //                     (a null byte set is a single 4-byte 0 in both forms)
 #pragma once
 
+#include <cstring>
+
 #include "support/minimem.h"
 
 class ZEL_API CMemoryStream : public CMiniMem {
@@ -47,7 +49,8 @@ protected:
 
 private:
     int Remaining() const { return m_size - m_position; }
-    void Peek(void* out, int offset, int n) const;
+    // Unaligned-safe copy of n bytes at position + offset (the caller checked them).
+    void Peek(void* out, int offset, int n) const { std::memcpy(out, m_data + m_position + offset, n); }
 };
 
 static_assert(sizeof(CMemoryStream) == 20, "CMiniMem and the position");
