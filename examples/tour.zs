@@ -22,3 +22,27 @@ day.年 = 2024
 day.月 = 3
 day.日 = 5
 print day.到文本()
+
+# ---- Colour, font and geometry ------------------------------------------
+# A colour is three bytes; it converts to and from "r, g, b".
+sky = new 工具.颜色
+sky.初始化(135, 206, 235)
+print sky.到文本()
+# A font is a name and six attributes, also convertible to text.
+font = new 工具.字体
+font.到对象("宋体, 134, 12")
+print font.名称, font.尺寸, font.字重
+
+# Rectangles are half-open: the right and bottom edges lie outside.
+box = new 工具.矩形
+box.初始化(0, 0, 100, 50)
+print box.包含点(99, 49), box.包含点(100, 0)
+corner = new 工具.坐标点
+corner.初始化(90, 40)
+print box.包含坐标点(corner)
+other = new 工具.矩形
+other.置位置尺寸(80, 30, 40, 40)
+box.合并(other)
+print box.到文本()
+box.求交集(other)
+print box.到文本(), box.宽度, box.高度
