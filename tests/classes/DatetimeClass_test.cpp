@@ -51,12 +51,3 @@ TEST(DatetimeClass, FieldsAreDataWordsKeptUnchecked) {
     DatetimeClass_SetMinute(t, 77);
     EXPECT_EQ(t.word(1, 4), reinterpret_cast<void*>(77));
 }
-
-TEST(DatetimeClass, ItemsAreBoundByTheRuntime) {
-    ASSERT_EQ(g_info_DatetimeClass.methodCount, 13);
-    ASSERT_EQ(g_info_DatetimeClass.elementCount, 6);
-    for (int i = 0; i < 13; ++i) EXPECT_EQ(g_info_DatetimeClass.methods[i].function, nullptr) << i;
-    EXPECT_STREQ(g_info_DatetimeClass.methods[7].params[0].name, L"月");
-    EXPECT_STREQ(g_info_DatetimeClass.methods[7].description, L"1 - 12");
-    EXPECT_EQ(g_info_DatetimeClass.elements[0].flags, 0u);
-}

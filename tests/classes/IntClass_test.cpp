@@ -18,11 +18,3 @@ TEST(IntClass, StartsAtZeroAndKeepsTheFullRange) {
         EXPECT_EQ(IntClass_GetValue(t), v);
     }
 }
-
-TEST(IntClass, RecordIsTheIntegerProperty) {
-    EXPECT_EQ(g_info_IntClass.methodCount, 2);
-    EXPECT_EQ(g_info_IntClass.elementCount, 1);
-    EXPECT_EQ(g_info_IntClass.methods[1].paramCount, 1);
-    EXPECT_STREQ(g_info_IntClass.methods[1].params[0].name, L"值");
-    EXPECT_EQ(g_info_IntClass.methods[1].flags, 0x20000001u);
-}
