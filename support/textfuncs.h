@@ -31,7 +31,8 @@ ZEL_API unsigned int GetTextHash(const wchar_t* s);
 ZEL_API char* UCS_to_UTF8(const wchar_t* s, CMiniMem& out);
 ZEL_API wchar_t* UTF8_to_UCS(const char* s, CMiniMem& out);
 
-// Splits at a separator, trimming blanks around each item.
+// Splits at a separator, trimming blanks and tabs around each item; the
+// array's previous texts are freed. Returns the item count (0 for an empty text).
 ZEL_API int GetStringList(const wchar_t* text, CMStringArray& out, wchar_t separator = L',');
 
 // \n \t \r \\ \" \' \0 and \xHH..., \uHHHH sequences to their characters.

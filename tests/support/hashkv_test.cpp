@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -34,7 +35,40 @@ int RecordingEquals(void* a, void* b) {
     return a == b;
 }
 
+struct ProbeTable : CPtr2PtrHashmap {
+    int Offset(const void* field) const {
+        return static_cast<int>(static_cast<const char*>(field) - reinterpret_cast<const char*>(this));
+    }
+    std::vector<int> Offsets() const {
+        return {Offset(&m_pool),        Offset(&m_needFreeKey), Offset(&m_buckets), Offset(&m_count),
+                Offset(&m_bucketCount), Offset(&m_iterator),    Offset(&m_hash),    Offset(&m_equals)};
+    }
+};
+
+void** VirtualTable(void* object) {
+    void** table;
+    std::memcpy(&table, object, sizeof table);
+    return table;
+}
+
 }  // namespace
+
+TEST(HashKV, LayoutAndVirtualSlots) {
+    ProbeTable t;
+    EXPECT_EQ(t.Offsets(), (std::vector<int>{4, 48, 52, 56, 60, 64, 68, 72}));
+
+    // Slots after the two destructors: CreateIterator, KV_GetKey, KV_GetValue,
+    // KV_SetKey, KV_SetValue.
+    void** slots = VirtualTable(&t);
+    HashKV::KV cell{nullptr, P(1), P(2)};
+    reinterpret_cast<void (*)(HashKV*, HashKV::KV*, void*)>(slots[5])(&t, &cell, P(3));
+    reinterpret_cast<void (*)(HashKV*, HashKV::KV*, void*)>(slots[6])(&t, &cell, P(4));
+    EXPECT_EQ(reinterpret_cast<void* (*)(HashKV*, HashKV::KV*)>(slots[3])(&t, &cell), P(3));
+    EXPECT_EQ(reinterpret_cast<void* (*)(HashKV*, HashKV::KV*)>(slots[4])(&t, &cell), P(4));
+    HashKV_iterator* it = reinterpret_cast<HashKV_iterator* (*)(HashKV*)>(slots[2])(&t);
+    EXPECT_TRUE(it->IsEnd());
+    delete it;
+}
 
 TEST(HashKV, BucketCountFollowsThePrimeTable) {
     EXPECT_EQ(HashKV(0).GetBucketCount(), 2053);

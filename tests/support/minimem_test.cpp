@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "runtime/memory.h"
 #include "support/minimem.h"
@@ -16,6 +17,15 @@ namespace {
 // Reaches the fields, to build states the operations do not produce.
 struct ProbeMem : CMiniMem {
     void ForceSize(int n) { m_size = n; }
+};
+
+struct ProbeAlign : CAlignMem {
+    int Offset(const void* field) const {
+        return static_cast<int>(static_cast<const char*>(field) - reinterpret_cast<const char*>(this));
+    }
+    std::vector<int> Offsets() const {
+        return {Offset(&m_data), Offset(&m_capacity), Offset(&m_size), Offset(&m_granule)};
+    }
 };
 
 std::string Bytes(const CMiniMem& m) {
@@ -50,6 +60,18 @@ private:
 };
 
 }  // namespace
+
+TEST(MiniMem, LayoutAndVirtualSlots) {
+    ProbeAlign probe;
+    EXPECT_EQ(probe.Offsets(), (std::vector<int>{4, 8, 12, 16}));  // after the vptr
+    // Slots 0 and 1 are the destructors; slot 2 is GetMemAlignSize.
+    CAlignMem mem(77);
+    using AlignFn = int (*)(CMiniMem*);
+    AlignFn* slots;
+    std::memcpy(&slots, &mem, sizeof slots);
+    AlignFn slot2 = slots[2];
+    EXPECT_EQ(slot2(&mem), 77);
+}
 
 TEST(MiniMem, CapacityRoundsPastTheSizeByTheGranule) {
     CMiniMem m;
