@@ -46,3 +46,26 @@ box.合并(other)
 print box.到文本()
 box.求交集(other)
 print box.到文本(), box.宽度, box.高度
+
+# Containers hold objects. A list is addressed by position and keeps a
+# reference on each item; a map matches wrapped values by value; a stack
+# keeps its pointers as they are pushed.
+shopping = new 工具.列表
+shopping.加入项目(new 工具.文本类, 真)
+shopping.取项目(0).文本 = "bread"
+shopping.插入项目(0, new 工具.文本类)
+shopping.取项目(0).文本 = "milk"
+print shopping.取项目数(), shopping.取项目(0).文本, shopping.取项目(1).文本
+prices = new 工具.映射表
+milk = new 工具.文本类
+milk.文本 = "milk"
+prices.置键值(milk, new 工具.整数类)
+lookup = new 工具.文本类
+lookup.文本 = "milk"
+print prices.键是否存在(lookup), prices.取个数()
+undo = new 工具.栈
+undo.加入(milk)
+undo.加入(lookup)
+print undo.取项目数(), undo.取项目().文本
+undo.删除()
+print undo.取项目数()
