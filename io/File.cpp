@@ -80,9 +80,10 @@ int CFile::GetPosition() const { return m_stream ? int(std::ftell(m_stream)) : -
 
 int CFile::SeekToBegin() { return Seek(0, SEEK_SET); }
 
+// The size in bytes, whatever the virtual GetPosition counts.
 int CFile::SeekToEnd() {
     Seek(0, SEEK_END);
-    return GetPosition();
+    return m_stream ? int(std::ftell(m_stream)) : -1;
 }
 
 int CFile::SetLength(unsigned int n) { return Seek(int(n), SEEK_SET); }

@@ -157,6 +157,7 @@ TEST_F(FileTest, WidePositionsCountCharactersBehindTheSignature) {
     EXPECT_EQ(BytePosition(be), 22);
     EXPECT_EQ(be.SetLength(1), 0);  // scaled twice: 1 * 16 + 2
     EXPECT_EQ(BytePosition(be), 18);
+    EXPECT_EQ(be.SeekToEnd(), 26);  // bytes, not characters
     be.Seek(0, SEEK_SET);
     EXPECT_EQ(be.GetLength(), -2);  // 4294967294: answered from fseek's status
     EXPECT_EQ(BytePosition(be), 26);
