@@ -13,8 +13,10 @@ PtrList::~PtrList() {
     }
 }
 
+// Nothing can go before the head sentinel: inserting there adds nothing.
 PtrList::iterator PtrList::insert(PtrList::iterator pos, void* value) {
     Node* next = pos.node();
+    if (!next || !next->prev) return end();
     Node* node = new Node{next->prev, next, value};
     next->prev->next = node;
     next->prev = node;
@@ -22,9 +24,10 @@ PtrList::iterator PtrList::insert(PtrList::iterator pos, void* value) {
     return iterator(node);
 }
 
+// The sentinels are never erased.
 PtrList::iterator PtrList::erase(PtrList::iterator pos) {
-    if (m_count == 0) return end();
     Node* node = pos.node();
+    if (m_count == 0 || !node || !node->prev || !node->next) return end();
     Node* next = node->next;
     node->prev->next = next;
     next->prev = node->prev;

@@ -50,6 +50,10 @@ TEST(PtrList, InsertBeforePositionAndEraseReturnsFollower) {
     EXPECT_EQ(*next, P(3));
     EXPECT_EQ(list.erase(list.get(2)), list.end());
     EXPECT_EQ(list.size(), 2u);
+    EXPECT_EQ(list.erase(list.end()), list.end()) << "sentinels stay";
+    EXPECT_EQ(list.erase(list.rend()), list.end());
+    EXPECT_EQ(list.insert(list.rend(), P(5)), list.end()) << "nothing goes before the head";
+    EXPECT_EQ(Values(list), (std::vector<intptr_t>{1, 2}));
     list.clear();
     EXPECT_EQ(list.begin(), list.end());
 }
