@@ -69,3 +69,26 @@ undo.加入(lookup)
 print undo.取项目数(), undo.取项目().文本
 undo.删除()
 print undo.取项目数()
+
+# Files and streams. 工具.二进制文件流 writes and reads whole files, with the
+# signature of a 工具.文件类型选项 type (4 is UTF-8 with EF BB BF), and tells
+# a file's type; 工具.文件 reads and writes bytes at a position. The memory
+# streams carry what objects serialize, packed and little-endian; the memory
+# file is the file interface over bytes in memory.
+disk = new 工具.二进制文件流
+print disk.写到文件(x"e4bda0e5a5bd", "/tmp/zel_io_script.dat", 4), disk.取文件类型("/tmp/zel_io_script.dat")
+print disk.读入文件("/tmp/zel_io_script.dat", 4)
+raw = new 工具.文件
+raw.打开("/tmp/zel_io_script.dat", 1)
+print raw.取长度(), raw.读(3)
+raw.关闭()
+stream = new 工具.内存流
+spot = new 工具.坐标点
+spot.初始化(10, 20)
+spot.序列化(stream)
+stream.写文本("done")
+print stream.取长度(), stream.读整数(), stream.读整数(), stream.读文本()
+memo = new 工具.内存文件
+memo.写(x"0102030405")
+memo.首定位(3)
+print memo.读(10), memo.取读写位置(), memo.取数据()
