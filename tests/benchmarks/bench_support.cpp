@@ -2,7 +2,8 @@
 // reports its time per item as a ratio to that baseline ("x_baseline").
 #include <benchmark/benchmark.h>
 
-#include <chrono>
+#include <time.h>
+
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -17,14 +18,21 @@ const int kKeys = 1000;
 
 double g_vectorBytesNs, g_vectorWordsNs, g_unorderedLookupNs;
 
-// Runs body once per iteration and returns the nanoseconds per item.
+double ThreadCpuNs() {
+    timespec now;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return now.tv_sec * 1e9 + now.tv_nsec;
+}
+
+// Runs body once per iteration and returns the CPU nanoseconds per item
+// (CPU time, so that other load on the machine skews the ratios less).
 template <typename Body>
 double Timed(benchmark::State& state, int itemsPerIteration, Body body) {
-    auto start = std::chrono::steady_clock::now();
+    double start = ThreadCpuNs();
     for (auto _ : state) body();
-    std::chrono::duration<double, std::nano> elapsed = std::chrono::steady_clock::now() - start;
+    double elapsed = ThreadCpuNs() - start;
     state.SetItemsProcessed(state.iterations() * itemsPerIteration);
-    return elapsed.count() / (double(state.iterations()) * itemsPerIteration);
+    return elapsed / (double(state.iterations()) * itemsPerIteration);
 }
 
 void ReportRatio(benchmark::State& state, double ns, double baselineNs) {
