@@ -31,6 +31,7 @@ SysLibLoader::SysLibLoader() : m_handle(0), m_runtime(nullptr) {
         file += L".ncl";
         m_handle = OS::MLoadLibrary(file.GetText());
     }
+    paths.RemoveAll();  // the array's destructor leaves its texts to us
     if (!m_handle) {
         OS::error(L"无法加载Zel语言系统类库(系统.ncl)！\n\n请检查该文件是否存在，或环境变量ZELCLS_PATHS是否已正确设置。");
         return;

@@ -118,6 +118,7 @@ TEST(Loader, SearchPathsSplitAndEndInOneSlash) {
     EXPECT_STREQ(paths[0], L"/a/");
     EXPECT_STREQ(paths[1], L"/b/");
     EXPECT_STREQ(paths[2], L"/c/");
+    paths.RemoveAll();
     unsetenv("ZELCLS_PATHS");
     CMStringArray none;
     GetZelLibSearchPaths(none);
