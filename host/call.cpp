@@ -191,11 +191,11 @@ CallResult Finish(CallResult r, const std::string& who) {
         int rc = RefCount(v.h);
         const char* what = v.kind == VK::Text ? "文本" : v.kind == VK::Bin ? "字节集" : v.kind == VK::Array ? "数组" : "对象";
         if (rc == -2) {
-            AddFinding("foreign-result", who + " returned a freed " + DescribeHandle(v.h) + ", at " + CurrentWhere());
+            AddFinding("foreign-result", "foreign result: " + who + " returned a freed " + DescribeHandle(v.h) + ", at " + CurrentWhere());
             v.kind = VK::Foreign;
             v.foreign = true;
         } else if (rc == -1) {
-            AddFinding("foreign-result", who + " returned a " + what + " the host never made (" + Hex(v.h) +
+            AddFinding("foreign-result", "foreign result: " + who + " returned a " + what + " the host never made (" + Hex(v.h) +
                                              "), at " + CurrentWhere());
             v.foreign = true;
             if (v.kind == VK::Object || v.kind == VK::Array) v.kind = VK::Foreign;

@@ -149,6 +149,8 @@ ZELHOST_API std::vector<Finding> AuditAndReset();
 
 // Error reports (service 5) since the last TakeReports(), formatted as Part 1.5.
 ZELHOST_API std::vector<std::string> TakeReports();
+// The report text of service 5 (the formats of Part 1.5, without the newline).
+ZELHOST_API std::string FormatReport(const wchar_t* library, int code, const wchar_t* message);
 // Where service 5 prints (default: standard error). Null restores the default.
 ZELHOST_API void SetReportStream(std::ostream* out);
 

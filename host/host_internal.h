@@ -28,7 +28,6 @@ std::string BoundExport(const std::string& recordName, int index);
 int LeadingWords(const std::string& recordName, const wchar_t* itemName);
 
 // Reports (runtime.cpp): the formats of Part 1.5.
-std::string FormatReport(const wchar_t* library, int code, const wchar_t* message);
 void AddFinding(const std::string& kind, const std::string& message);
 std::string CurrentWhere();
 std::string DescribeHandle(void* handle);  // "文本 \"ab\" made at f.zs:3"

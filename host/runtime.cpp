@@ -10,8 +10,9 @@
 #include <unordered_map>
 
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
 #include <sanitizer/asan_interface.h>
+extern "C" int __sanitizer_get_ownership(const volatile void* p);
+extern "C" size_t __sanitizer_get_allocated_size(const volatile void* p);
 #define ZELHOST_ASAN 1
 #endif
 
@@ -34,6 +35,7 @@ struct HandleRec {
     long statement = 0;      // statement that made it (0: none)
     long serial = 0;         // creation order
     std::string where;
+    std::string preview;  // content shown in findings, kept when the handle dies
     ClassInfo* cls = nullptr;
     int id = 0;
     size_t size = 0;                  // bytes of the handle block (for poisoning)
@@ -117,14 +119,17 @@ HandleRec& Track(void* p, HKind kind, size_t size) {
 }
 
 std::string Preview(void* p, const HandleRec& r) {
-    if (r.dead) return "";
-    if (r.kind == H_TEXT) {
-        const wchar_t* s = reinterpret_cast<const wchar_t*>(static_cast<char*>(p) + 8);
-        std::wstring w(s, std::min<size_t>(wcslen(s), 24));
-        return " " + FormatValue(Value::Handle(VK::Text, p)).substr(0, 60);
+    if (r.dead) return r.preview;
+    std::string s;
+    if (r.kind == H_TEXT) s = FormatValue(Value::Handle(VK::Text, p));
+    else if (r.kind == H_BIN) s = FormatValue(Value::Handle(VK::Bin, p));
+    else return "";
+    if (s.size() > 60) {
+        size_t cut = 57;
+        while (cut > 0 && (static_cast<unsigned char>(s[cut]) & 0xC0) == 0x80) --cut;
+        s = s.substr(0, cut) + "...";
     }
-    if (r.kind == H_BIN) return " " + FormatValue(Value::Handle(VK::Bin, p)).substr(0, 60);
-    return "";
+    return " " + s;
 }
 
 std::string Describe(void* p, const HandleRec& r) {
@@ -180,6 +185,7 @@ void Kill(void* p) {
     auto it = g_handles.find(p);
     if (it == g_handles.end() || it->second.dead) return;
     HandleRec& rec = it->second;
+    rec.preview = Preview(p, rec);
     rec.dead = true;
     if (rec.kind == H_OBJECT) {
         FreeObjectState(static_cast<ZelObject*>(p), g_handles[p]);
@@ -323,13 +329,13 @@ void* AddRef(void* handle) {
         if (!g_tearingDown) {
             char buf[32];
             std::snprintf(buf, sizeof buf, "%p", handle);
-            AddFinding("unknown-addref", std::string("add-reference of a handle the host never made (") + buf +
-                                             ") at " + Where());
+            AddFinding("unknown-addref", std::string("unknown handle: add-reference of a handle the host never made (") +
+                                             buf + ") at " + Where());
         }
         return handle;
     }
     if (r->dead) {
-        if (!g_tearingDown) AddFinding("over-release", "add-reference of a freed " + Describe(p, *r) + ", at " + Where());
+        if (!g_tearingDown) AddFinding("over-release", "over-release: add-reference of a freed " + Describe(p, *r) + " (at " + Where() + ")");
         return p;
     }
     ++r->refs;
@@ -346,13 +352,13 @@ void Release(void* handle) {
         if (!g_tearingDown) {
             char buf[32];
             std::snprintf(buf, sizeof buf, "%p", handle);
-            AddFinding("unknown-release",
-                       std::string("release of a handle the host never made (") + buf + ") at " + Where());
+            AddFinding("unknown-release", std::string("unknown handle: release of a handle the host never made (") +
+                                              buf + ") at " + Where());
         }
         return;
     }
     if (r->dead) {
-        if (!g_tearingDown) AddFinding("over-release", "release of a freed " + Describe(p, *r) + ", at " + Where());
+        if (!g_tearingDown) AddFinding("over-release", "over-release: release of a freed " + Describe(p, *r) + " (at " + Where() + ")");
         return;
     }
     if (r->refs == 0) {

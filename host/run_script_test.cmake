@@ -1,0 +1,20 @@
+# Runs `ncl run --audit SCRIPT` with ZELCLS_PATHS=PATHS; requires exit 0 and,
+# when EXPECTED is given, standard output equal to that file.
+set(ENV{ZELCLS_PATHS} "${PATHS}")
+execute_process(COMMAND ${NCL} run --audit ${SCRIPT}
+  OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "ncl run --audit ${SCRIPT} exited with ${rc}\n--- stderr:\n${err}\n--- stdout:\n${out}")
+endif()
+if(EXPECTED)
+  file(READ ${EXPECTED} want)
+  if(NOT out STREQUAL want)
+    get_filename_component(name ${SCRIPT} NAME_WE)
+    file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${name}.actual "${out}")
+    execute_process(COMMAND diff -u ${EXPECTED} ${CMAKE_CURRENT_BINARY_DIR}/${name}.actual OUTPUT_VARIABLE d)
+    message(FATAL_ERROR "output of ${SCRIPT} differs from ${EXPECTED}:\n${d}\n--- stderr:\n${err}")
+  endif()
+endif()
+if(NOT err STREQUAL "")
+  message(STATUS "stderr of ${SCRIPT}:\n${err}")
+endif()
