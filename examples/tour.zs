@@ -92,3 +92,24 @@ memo = new 工具.内存文件
 memo.写(x"0102030405")
 memo.首定位(3)
 print memo.读(10), memo.取读写位置(), memo.取数据()
+
+# ---- Math and raw memory -------------------------------------------------
+# 工具.数学运算 is all static methods over the C math library. A few keep
+# their own rules: 整除 is the quotient less the remainder, 求反对数 is log10.
+print 工具.数学运算.求次方(2.0, 10.0), 工具.数学运算.求平方根(2.0), 工具.数学运算.求极限(1.2)
+print 工具.数学运算.整除(7.0, 2.0), 工具.数学运算.求反对数(100.0), 工具.数学运算.改符号(-0.0)
+# 工具.地址 takes the address of a value's storage; 工具.指针 reads and
+# writes bytes, shorts, integers, floats and doubles there and steps by 步长.
+# Nothing but the null address is checked: see docs/classes/raw-memory.md.
+buffer = x"0000000000000000"
+where = new 工具.地址
+where.置为字节集地址(buffer)
+cursor = new 工具.指针
+cursor.指向(where)
+cursor.步长 = 2
+cursor.短整数 = 513
+cursor.前进()
+cursor.短整数 = -1
+print buffer, cursor.整数
+cursor.后退()
+print cursor.整数, cursor.字节
