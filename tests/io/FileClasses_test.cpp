@@ -17,21 +17,15 @@ extern tagTInterfaceInfo g_info_AbstractFile;
 extern tagTBaseTypeInfo g_info_File, g_info_TextFile, g_info_BinaryFile, g_info_FileTypeFlag;
 void File_Init(ZelObject*);
 void File_Free(ZelObject*);
-CFile* _GetFilePtr(ZelObject*);
 unsigned char* File_Read(ZelObject*, int, int*);
 int File_Write(ZelObject*, unsigned char*);
 int File_Seek(ZelObject*, unsigned char*, int);
-int File_SeekFromBegin(ZelObject*, int);
-int File_SeekToEnd(ZelObject*);
 int File_GetLength(ZelObject*);
-int File_GetPosition(ZelObject*);
 int File_Open(ZelObject*, unsigned char*, int);
 void File_Close(ZelObject*);
-int File_IsEOF(ZelObject*);
 void TextFile_Init(ZelObject*);
 void TextFile_Free(ZelObject*);
 CTextFile* _TextFile_GetData(ZelObject*);
-unsigned char* TextFile_Read(ZelObject*, int, int*);
 int TextFile_Write(ZelObject*, unsigned char*);
 int TextFile_SeekFromBegin(ZelObject*, int);
 int TextFile_GetPosition(ZelObject*);
@@ -54,41 +48,15 @@ protected:
 
 unsigned char* Origin(int origin) { return reinterpret_cast<unsigned char*>(intptr_t(origin)); }
 
-TEST_F(FileClassTest, FileReadsTheRequestedLengthAndSeeksAnswerStatus) {
-    WriteFileBytes(dir.Path("f"), "0123456789");
-    TestObject file(&g_info_File, File_Init, File_Free, 2);
-    Owned path = PathText("f");
-    ASSERT_EQ(File_Open(file, path.h, 1), 1);
-    EXPECT_EQ(File_Seek(file, Origin(SEEK_SET), 6), 0);
-    EXPECT_EQ(File_GetPosition(file), 6);
-    EXPECT_EQ(File_GetLength(file), 10);
-    EXPECT_EQ(File_GetPosition(file), 0);  // the length rewinds
-
-    int success = 7;
-    Owned head(File_Read(file, 4, &success));
-    EXPECT_EQ(head.bytes(), "0123");
-    EXPECT_EQ(success, 1);
-    File_SeekFromBegin(file, 8);
-    Owned tail(File_Read(file, 5, &success));
-    EXPECT_EQ(tail.bytes(), std::string("89\0\0\0", 5));  // full length, zero tail
-    EXPECT_EQ(File_IsEOF(file), 1);
-    Owned nothing(File_Read(file, 5, &success));
-    EXPECT_EQ(nothing.h, nullptr);
-    EXPECT_EQ(success, 1);
-    Owned none(File_Read(file, 0, &success));
-    EXPECT_EQ(none.binLength(), 0);
-    EXPECT_EQ(File_SeekToEnd(file), 10);
-}
-
-// 写 takes the count from word 1 and the bytes from byte 8: for a runtime
-// byte set that is one byte, the low byte of the length.
+// 写 takes the count from word 1 and the bytes from byte 8 (for a runtime
+// byte set: one byte, the low byte of the length), never past the block.
 TEST_F(FileClassTest, FileWriteReadsTheTwoWordView) {
     TestObject file(&g_info_File, File_Init, File_Free, 2);
     Owned path = PathText("w");
     ASSERT_EQ(File_Open(file, path.h, 2), 1);
     Owned data(MakeBin("abc"));
     EXPECT_EQ(File_Write(file, data.h), 1);
-    int block[] = {0, 64, 2, 0};  // a count past the block: clipped to its 4 + 2 bytes
+    int block[] = {0, 64, 2, 0};  // a count of 64 is clipped to the block's 4 + 2 bytes
     EXPECT_EQ(File_Write(file, reinterpret_cast<unsigned char*>(block)), 6);
     EXPECT_EQ(File_Write(file, nullptr), 0);
     File_Close(file);
@@ -108,22 +76,6 @@ TEST_F(FileClassTest, MissingNativeFileGivesNeutralResults) {
     EXPECT_EQ(TextFile_GetPosition(text), -1);
 }
 
-TEST_F(FileClassTest, TextFileCountsCharactersOfWideFiles) {
-    WriteFileBytes(dir.Path("le"), std::string("\xFF\xFE" "a\0\0\0b\0\0\0", 10));
-    TestObject text(&g_info_TextFile, TextFile_Init, TextFile_Free, 3);
-    Owned path = PathText("le");
-    ASSERT_EQ(TextFile_Open(text, path.h, 4, 2), 1);
-    EXPECT_EQ(_TextFile_GetData(text)->GetEncoding(), 0);
-    EXPECT_EQ(TextFile_SeekFromBegin(text, 1), 0);
-    EXPECT_EQ(TextFile_GetPosition(text), 1);
-    int success = 0;
-    Owned read(TextFile_Read(text, 5, &success));
-    ASSERT_NE(read.h, nullptr);  // something was read: an empty text
-    EXPECT_EQ(read.text(), L"");
-    EXPECT_EQ(success, 1);
-    EXPECT_EQ(TextFile_Read(text, 5, &success), nullptr);
-}
-
 // The count is the run of non-zero units from word 1 on, bounded by the
 // block; a code-0 file then takes that many bytes from word 1.
 TEST_F(FileClassTest, TextFileWriteCountsUnitsInsideTheBlock) {
@@ -138,24 +90,6 @@ TEST_F(FileClassTest, TextFileWriteCountsUnitsInsideTheBlock) {
     EXPECT_EQ(TextFile_Write(text, stopsAtZero.h), 2);
     TextFile_Free(text);
     EXPECT_EQ(ReadFileBytes(dir.Path("le")), std::string("\xFF\xFE\1\0\0\0\1\0", 8));
-}
-
-TEST_F(FileClassTest, BinaryFileWritesSignaturesAndReadsPastThem) {
-    TestObject bin(&g_info_BinaryFile, BinaryFile_Init, BinaryFile_Free);
-    Owned path = PathText("u8");
-    Owned abc(MakeBin("abc"));
-    EXPECT_EQ(BinaryFile_WriteFile(bin, abc.h, path.h, 4), 3);
-    EXPECT_EQ(ReadFileBytes(dir.Path("u8")), "\xEF\xBB\xBF" "abc");
-    EXPECT_EQ(Owned(BinaryFile_ReadFile(bin, path.h, 4)).bytes(), "abc");
-    EXPECT_EQ(Owned(BinaryFile_ReadFile(bin, path.h, 1)).bytes(), "\xEF\xBB\xBF" "abc");
-
-    EXPECT_EQ(BinaryFile_WriteFile(bin, abc.h, path.h, 2), 3);
-    EXPECT_EQ(ReadFileBytes(dir.Path("u8")), "\xFF\xFE" "abc");
-    EXPECT_EQ(BinaryFile_WriteFile(bin, abc.h, path.h, 3), 3);
-    EXPECT_EQ(ReadFileBytes(dir.Path("u8")), "\xFE\xFF" "abc");
-    EXPECT_EQ(Owned(BinaryFile_ReadFile(bin, path.h, 3)).bytes(), "abc");
-    EXPECT_EQ(BinaryFile_WriteFile(bin, abc.h, path.h, 5), 3);
-    EXPECT_EQ(ReadFileBytes(dir.Path("u8")), "abc");
 }
 
 TEST_F(FileClassTest, BinaryFileRejectsTypesAndEmptyData) {
@@ -176,26 +110,6 @@ TEST_F(FileClassTest, BinaryFileRejectsTypesAndEmptyData) {
     WriteFileBytes(dir.Path("sig"), "\xEF\xBB\xBF");
     Owned sig = PathText("sig");
     EXPECT_EQ(BinaryFile_ReadFile(bin, sig.h, 4), zel::EmptyBin());
-}
-
-TEST_F(FileClassTest, FileTypeComesFromSignatureThenContent) {
-    struct Case {
-        std::string bytes;
-        int type;
-    } cases[] = {
-        {"\xEF\xBB\xBF" "x", 4}, {"\xFF\xFE" "x", 2}, {"\xFE\xFF", 3},  {"plain ascii\n", 5},
-        {"", 0},                 {std::string("\0abc", 4), 5},          {"\xC3\xA9t\xC3\xA9", 5},
-        {"\xE4\xB8\xAD\xE6\x96\x87", 5}, {"ab\xC3", 1},                 {"\xFF", 1},
-        {std::string("ok\0\xFF", 4), 5},  // the test stops at the first zero byte
-    };
-    TestObject bin(&g_info_BinaryFile, BinaryFile_Init, BinaryFile_Free);
-    Owned path = PathText("t");
-    for (const Case& c : cases) {
-        WriteFileBytes(dir.Path("t"), c.bytes);
-        EXPECT_EQ(BinaryFile_GetFileType(bin, path.h), c.type) << testing::PrintToString(c.bytes);
-    }
-    Owned missing = PathText("absent");
-    EXPECT_EQ(BinaryFile_GetFileType(bin, missing.h), 0);
 }
 
 TEST_F(FileClassTest, MethodsHoldNoDescriptorAfterwards) {

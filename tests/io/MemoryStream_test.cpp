@@ -16,14 +16,7 @@ extern "C" {
 extern tagTBaseTypeInfo g_info_MemoryStream, g_info_MemoryIStream, g_info_MemoryOStream;
 void MemoryStream_Init(ZelObject*);
 void MemoryStream_Free(ZelObject*);
-void MemoryIStream_Init(ZelObject*);
-void MemoryIStream_Free(ZelObject*);
-void MemoryOStream_Init(ZelObject*);
-void MemoryOStream_Free(ZelObject*);
-CMemoryStream* _MemoryStream_GetData(ZelObject*);
 int MemoryStream_GetLength(ZelObject*);
-unsigned char* MemoryStream_GetBytes(ZelObject*);
-int MemoryStream_InitData(ZelObject*, unsigned char*);
 }
 
 namespace {
@@ -48,35 +41,6 @@ TEST(MemoryStream, TheFormatIsPackedLittleEndianWithoutTags) {
     EXPECT_EQ(s.GetPosition(), 24);
 }
 
-TEST(MemoryStream, ValuesRoundTripInOrder) {
-    CMemoryStream s;
-    Owned bin(MakeBin("xyz"));
-    s.WriteBool(5);
-    s.WriteText(nullptr);
-    s.WriteText(const_cast<wchar_t*>(L""));
-    s.WriteBinData(bin.h);
-    s.WriteBinData(nullptr);
-    EXPECT_EQ(Bytes(s), std::string("\5\0\0\0" "\0\0\0\0" "\0\0\0\0" "xyz" "\0\0\0\0", 19));
-    EXPECT_EQ(s.ReadBool(), 5);  // not normalised
-    EXPECT_EQ(Owned(s.ReadText()).text(), L"");
-    EXPECT_EQ(Owned(s.ReadText()).text(), L"");
-    Owned raw(s.Read(3));
-    EXPECT_EQ(raw.bytes(), "xyz");
-    EXPECT_EQ(s.ReadInt(), 0);
-}
-
-TEST(MemoryStream, ShortReadsGiveSentinelsAndStay) {
-    CMemoryStream s;
-    s.InitData(const_cast<char*>("abc"), 3);
-    EXPECT_EQ(s.ReadInt(), -1);
-    EXPECT_EQ(s.ReadBool(), 0);
-    EXPECT_EQ(s.ReadDouble(), -1.0);
-    EXPECT_EQ(s.GetPosition(), 0);
-    EXPECT_EQ(s.IsDataValid(3), 1);
-    EXPECT_EQ(s.IsDataValid(4), 0);
-    EXPECT_EQ(s.IsDataValid(-1), 0);
-}
-
 TEST(MemoryStream, ReadClipsToWhatRemains) {
     CMemoryStream s;
     s.InitData(const_cast<char*>("0123456789ABCDEFGHIJ"), 20);
@@ -90,25 +54,6 @@ TEST(MemoryStream, ReadClipsToWhatRemains) {
     EXPECT_EQ(s.GetPosition(), 20);
     EXPECT_EQ(s.Read(5), nullptr);
     EXPECT_EQ(s.Read(-1), nullptr);
-}
-
-// The block form writes 12 + n bytes, but reading advances by n alone.
-TEST(MemoryStream, ReadBinAdvancesByTheCountOnly) {
-    CMemoryStream s;
-    Owned bin(MakeBin("hello"));
-    s.WriteBin(bin.h);
-    s.WriteBin(nullptr);
-    ASSERT_EQ(s.GetLength(), 12 + 5 + 4);
-    Owned back(s.ReadBin());
-    EXPECT_EQ(back.bytes(), "hello");
-    EXPECT_EQ(s.GetPosition(), 5);
-
-    CMemoryStream null;
-    null.WriteBin(nullptr);
-    null.WriteInt(0);
-    Owned empty(null.ReadBin());
-    EXPECT_EQ(empty.binLength(), 0);
-    EXPECT_EQ(null.GetPosition(), 4);
 }
 
 // Malformed data never reads outside the buffer nor moves past the length.
@@ -161,22 +106,6 @@ TEST(MemoryStream, CopiesTakeBytesNotPositions) {
     EXPECT_EQ(c.GetData(), nullptr);
 }
 
-TEST(MemoryStreamClasses, MethodsSeeTheStreamBytes) {
-    TestObject out(&g_info_MemoryOStream, MemoryOStream_Init, MemoryOStream_Free);
-    EXPECT_EQ(MemoryStream_GetLength(out), 0);
-    Owned empty(MemoryStream_GetBytes(out));
-    EXPECT_EQ(empty.h, zel::EmptyBin());
-    EXPECT_TRUE(zel::StreamWriteInt(out, 258));
-    EXPECT_EQ(MemoryStream_GetLength(out), 4);
-    EXPECT_EQ(Owned(MemoryStream_GetBytes(out)).bytes(), std::string("\2\1\0\0", 4));
-
-    TestObject in(&g_info_MemoryIStream, MemoryIStream_Init, MemoryIStream_Free);
-    Owned data(MakeBin(std::string("\2\1\0\0", 4)));
-    EXPECT_EQ(MemoryStream_InitData(in, data.h), 1);
-    EXPECT_EQ(zel::StreamReadInt(in), 258);
-    EXPECT_EQ(zel::StreamReadInt(in), -1);
-}
-
 // What a Serialize hook writes through 系统.输出流 reads back through
 // 系统.输入流 of the same stream object.
 TEST(MemoryStreamClasses, SlotsServeBothStreamInterfaces) {
@@ -204,17 +133,6 @@ TEST(MemoryStreamClasses, SlotsServeBothStreamInterfaces) {
         }
     EXPECT_EQ(g_info_MemoryStream.interfaceCount, 2);
     EXPECT_EQ(zel::InterfaceSlot(TestObject(&g_info_MemoryIStream).get(), L"系统.输出流", 1), nullptr);
-}
-
-TEST(MemoryStreamClasses, FreeReleasesAndClears) {
-    TestObject s(&g_info_MemoryStream, MemoryStream_Init);
-    ASSERT_NE(_MemoryStream_GetData(s), nullptr);
-    zel::StreamWriteInt(s, 1);
-    MemoryStream_Free(s);
-    EXPECT_EQ(_MemoryStream_GetData(s), nullptr);
-    MemoryStream_Free(s);
-    EXPECT_EQ(MemoryStream_GetLength(s), 0);
-    EXPECT_EQ(zel::StreamReadInt(s), -1);
 }
 
 }  // namespace
