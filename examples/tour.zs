@@ -1,3 +1,18 @@
+# A tour of the 工具 class library, run by the runtime host:
+#
+#   ZELCLS_PATHS=build build/ncl run examples/tour.zs
+#
+# Each section creates objects of one family of classes and calls their
+# methods. The script language (one statement a line):
+#   x = new 工具.文本类          create an object (the variable holds a reference)
+#   x.添加("ab")                 call a method; arguments are literals or variables
+#   print x.查找("b", 0)         print values: 1, 2.5, "text", x"6162", 真/假, null
+#   y = x.文本 / x.文本 = "xy"   read / write a property
+#   print 工具.数学运算.求次方(2.0, 10.0)    call a static method
+#   expect x.取长度() == 2       check a value (also !=, <, >, <=, >=)
+#   expect error x.删除(9, 1)    check that a call raises
+# docs/runtime-abi.md tells the whole language; `ncl show build/工具.ncl CLASS`
+# shows any class, and docs/reference.md lists them all.
 
 # ---- Boxed values, text and date-time ----------------------------------
 # A basic value boxed in an object can stand where an object is wanted.
