@@ -47,6 +47,8 @@ protected:
 // Encoding codes: 0 wide text signed FF FE, 1 wide text signed FE FF (stored
 // in host order all the same), 2 multibyte text of the locale, 3 UTF-8 signed
 // EF BB BF. Wide positions count 4-byte characters behind the signature.
+// Read only advances and counts; it releases a non-null buffer it is given
+// with ::operator delete.
 class ZEL_API CTextFile : public CFile {
 public:
     CTextFile();

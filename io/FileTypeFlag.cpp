@@ -1,7 +1,8 @@
 // 工具.文件类型选项: the text signatures that 工具.二进制文件流 reads, writes
 // and detects. An enumeration has no methods; each member is an element of
-// type "_i" whose value is kept in the first reserved word of its item
-// (byte 28), members listed from the highest value down.
+// type "_i" (with the element flag 0x80000000 like every element item) whose
+// value is kept in the first reserved word of its item (byte 28), members
+// listed from the highest value down.
 #include "runtime/class_table.h"
 
 using namespace zel;
