@@ -1,5 +1,6 @@
 // ncl list / show / check / doc: descriptions of a class library.
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <ostream>
@@ -170,6 +171,7 @@ int ShowClass(Library* lib, const std::wstring& className, std::ostream& out, st
                 const tagElementItem& el = r->elements[i];
                 out << "  [" << word << "] " << (el.name && *el.name ? U(el.name) : "(hidden)") << ": "
                     << ShowTypeName(el.type);
+                if (el.reserved[0]) out << " = " << el.reserved[0];
                 if (el.flags & ZEL_ELEMENT_HIDDEN) out << "  hidden";
                 if (el.description && *el.description) out << "  — " << U(el.description);
                 out << "\n";
@@ -393,7 +395,14 @@ int DocLibrary(Library* lib, std::ostream& out, std::ostream& err) {
     out << "Version " << Number(li->version) << ", " << recs.size() << " classes and interfaces.\n\n";
     for (tagTBaseTypeInfo* r : recs) {
         std::string rn = lib->RecordName(r);
-        out << "- [" << U(r->name) << "](#" << U(r->name) << ")" << (IsInterface(r) ? " (interface)" : "") << "\n";
+        std::string anchor;  // GitHub's: punctuation dropped, blanks as '-'
+        for (char ch : U(r->name)) {
+            if (ch == ' ') anchor += '-';
+            else if (static_cast<unsigned char>(ch) >= 0x80 || std::isalnum(static_cast<unsigned char>(ch)) ||
+                     ch == '-' || ch == '_')
+                anchor += char(std::tolower(static_cast<unsigned char>(ch)));
+        }
+        out << "- [" << U(r->name) << "](#" << anchor << ")" << (IsInterface(r) ? " (interface)" : "") << "\n";
     }
     out << "\n";
     for (tagTBaseTypeInfo* r : recs) {
@@ -416,11 +425,12 @@ int DocLibrary(Library* lib, std::ostream& out, std::ostream& err) {
             if (c) out << "- State at level " << (c->levels.size() - 1) << "\n";
             out << "\n";
             if (r->elementCount > 0 && r->elements) {
-                out << "| Element | Type | Description |\n|---|---|---|\n";
+                out << "| Element | Type | Value | Description |\n|---|---|---|---|\n";
                 for (int i = 0; i < r->elementCount; ++i) {
                     const tagElementItem& el = r->elements[i];
                     out << "| " << (el.name && *el.name ? Md(el.name) : "(hidden)") << " | " << ShowTypeName(el.type)
-                        << " | " << Md(el.description) << " |\n";
+                        << " | " << (el.reserved[0] ? std::to_string(el.reserved[0]) : "") << " | "
+                        << Md(el.description) << " |\n";
                 }
                 out << "\n";
             }

@@ -490,7 +490,14 @@ struct Interp {
                     throw ScriptError{"unknown variable " + ToUtf8(path)};
                 throw ScriptError{err};
             }
-            if (!e.call) throw ScriptError{"static member " + ToUtf8(path + L"." + e.text) + " needs ()"};
+            if (!e.call) {
+                // An enumeration member: an element whose value is kept in its first reserved word.
+                for (int k = 0; k < cls->elementCount(); ++k) {
+                    const tagElementItem& el = cls->elements()[k];
+                    if (el.name && e.text == el.name && cls->methodCount() == 0) return Value::Int(el.reserved[0]);
+                }
+                throw ScriptError{"static member " + ToUtf8(path + L"." + e.text) + " needs ()"};
+            }
             std::vector<Value> args = EvalArgs(e);
             ClassInfo* owner = nullptr;
             int idx = -1;
