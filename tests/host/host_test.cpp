@@ -435,3 +435,20 @@ TEST(Describe, ShowPairsPropertiesAndNamesTypes) {
     EXPECT_NE(s.find("bound to Counter_Serialize"), std::string::npos) << s;
     EXPECT_NE(s.find("hooks: Counter_Init, Counter_Free, Counter_Serialize"), std::string::npos) << s;
 }
+
+TEST(Describe, CheckFindsDescriptorFaults) {
+    std::string e;
+    Library* lib = OpenLibrary(std::string(ZEL_FIXTURE_DIR) + "/坏.ncl", &e);
+    ASSERT_NE(lib, nullptr) << e;
+    std::ostringstream out, err;
+    EXPECT_EQ(CheckLibrary(lib, out, err), 1);
+    std::string s = out.str();
+    const char* expected[] = {
+        "坏.类: name hash",
+        "坏.类: method #1 坏属性: property item is neither a getter",
+        "坏.类: method #2 无函数: no function and no bound export",
+        "坏.类: method #3 错哈希: name hash 0x00003039",
+        "坏.类: element count is negative",
+    };
+    for (const char* x : expected) EXPECT_NE(s.find(x), std::string::npos) << x << "\n" << s;
+}
