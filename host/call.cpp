@@ -59,6 +59,7 @@ std::string Hex(const void* p) {
 std::string CheckArgument(const std::wstring& type, const Value& v, Value& out) {
     VK want = KindOfType(type);
     out = v;
+    if (v.h && !v.foreign && RefCount(v.h) == -2) return "the value has been freed: " + DescribeHandle(v.h);
     std::string show = ShowTypeName(type.c_str());
     switch (want) {
         case VK::Int:

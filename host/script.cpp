@@ -466,6 +466,9 @@ struct Interp {
             case Expr::Var: {
                 auto it = vars.find(e.text);
                 if (it == vars.end()) throw ScriptError{"unknown variable " + ToUtf8(e.text)};
+                if (IsHandle(it->second) && RefCount(it->second.h) == -2)
+                    throw ScriptError{"variable " + ToUtf8(e.text) + " holds a freed value (released too often): " +
+                                      DescribeHandle(it->second.h)};
                 return it->second;
             }
             case Expr::New: {

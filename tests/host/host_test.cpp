@@ -248,6 +248,13 @@ TEST(Audit, OverReleaseIsReported) {
     EXPECT_NE(r.err.find("文本 \"abc\" made at t.zs:2"), std::string::npos) << r.err;
 }
 
+TEST(Audit, FreedValuesAreNotTouched) {
+    ScriptRun r = RunText("c = new 测试.计数器\nt = \"abc\"\nc.多释放(t)\nprint t\nc.多释放(t)\n", true);
+    EXPECT_NE(r.status, 0);
+    EXPECT_NE(r.err.find("t.zs:4: variable t holds a freed value"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("t.zs:5: variable t holds a freed value"), std::string::npos) << r.err;
+}
+
 TEST(Audit, TakenOverBlocksAndConstantsAreClean) {
     ScriptRun r = RunText("c = new 测试.计数器\nb = c.读(3)\nprint b, c.空文本()\nexpect ok\nprint c.读(-1), ok\n", true);
     EXPECT_EQ(r.status, 0) << r.err;
