@@ -1,5 +1,7 @@
 // The line-based script language of `ncl run` (see docs/runtime-abi.md,
 // "Scripts").
+#include <charconv>
+#include <climits>
 #include <cstring>
 #include <istream>
 #include <map>
@@ -101,18 +103,22 @@ std::vector<Token> Tokenize(const std::wstring& line) {
                 ++i;
             }
             std::string num = ToUtf8(line.substr(start, i - start));
-            char* end = nullptr;
+            // from_chars: independent of the locale (a library may call setlocale).
+            const char* first = num.c_str() + (num[0] == '+' ? 1 : 0);
+            const char* last = num.c_str() + num.size();
+            std::from_chars_result r;
             if (isDouble) {
                 t.type = T::Double;
-                t.d = std::strtod(num.c_str(), &end);
+                r = std::from_chars(first, last, t.d);
             } else {
                 t.type = T::Int;
-                errno = 0;
-                long long v = std::strtoll(num.c_str(), &end, 10);
-                if (errno || v < INT32_MIN || v > INT32_MAX) throw ScriptError{"integer out of range: " + num};
+                long long v = 0;
+                r = std::from_chars(first, last, v);
+                if (r.ec == std::errc::result_out_of_range || v < INT32_MIN || v > INT32_MAX)
+                    throw ScriptError{"integer out of range: " + num};
                 t.i = int32_t(v);
             }
-            if (!end || *end) throw ScriptError{"bad number: " + num};
+            if (r.ec != std::errc() || r.ptr != last) throw ScriptError{"bad number: " + num};
             out.push_back(t);
             continue;
         }
