@@ -150,7 +150,15 @@ int ShowClass(Library* lib, const std::wstring& className, std::ostream& out, st
             out << "interfaces:\n";
             for (int i = 0; i < r->interfaceCount; ++i) {
                 const tagInterfaceEntry& e = r->interfaces[i];
-                out << "  " << U(e.name) << "  (" << e.slotCount << " slots)\n";
+                out << "  " << U(e.name) << "  (" << e.slotCount << " slots)";
+                tagTBaseTypeInfo* irec = e.name ? HostFindRecord(e.name) : nullptr;
+                if (!irec && e.name) irec = lib->Find(e.name);
+                if (irec && irec->kind == ZEL_KIND_INTERFACE) {
+                    const tagTInterfaceInfo* ii = AsInterface(irec);
+                    for (int k = 0; k < ii->methodCount && ii->methods; ++k)
+                        out << (k ? ", " : ": ") << Signature(ii->methods[k]);
+                }
+                out << "\n";
             }
         }
         if (c) {

@@ -168,8 +168,10 @@ std::vector<std::string> SearchPaths() {
     return out;
 }
 
-Library* OpenLibrary(const std::string& path, std::string* error) {
+Library* OpenLibrary(const std::string& pathArg, std::string* error) {
     Library* host = HostLibrary();
+    // dlopen searches the library path for a name without '/': name the file.
+    std::string path = pathArg.find('/') == std::string::npos ? "./" + pathArg : pathArg;
     if (SameFile(path, host->path)) return host;
     for (auto& l : g_libraries)
         if (SameFile(path, l->path)) return l.get();
