@@ -180,6 +180,17 @@ CallResult CallFunction(void* fn, const std::vector<std::wstring>& types, const 
 
 namespace {
 
+char g_context[512];
+
+struct ContextScope {
+    char saved[sizeof g_context];
+    explicit ContextScope(const std::string& who) {
+        std::memcpy(saved, g_context, sizeof g_context);
+        std::snprintf(g_context, sizeof g_context, "%s at %s", who.c_str(), CurrentWhere().c_str());
+    }
+    ~ContextScope() { std::memcpy(g_context, saved, sizeof g_context); }
+};
+
 CallResult Finish(CallResult r, const std::string& who) {
     if (!r.ok) {
         if (r.raised) r.error = who + " raised an exception: " + r.error;
@@ -257,6 +268,7 @@ CallResult CallMethod(ZelObject* obj, ClassInfo* owner, int itemIndex, const std
         values.push_back(conv);
     }
     std::wstring rt = m.returnType ? m.returnType : L"";
+    ContextScope context(who);
     return Finish(CallFunction(b.function, types, values, rt, true), who);
 }
 
@@ -281,7 +293,10 @@ CallResult CallSlot(ZelObject* obj, void* function, const tagMethodItem* member,
         types.push_back(t);
         values.push_back(conv);
     }
+    ContextScope context(who);
     return Finish(CallFunction(function, types, values, member->returnType ? member->returnType : L"", true), who);
 }
+
+const char* CallContext() { return g_context; }
 
 }  // namespace zelhost

@@ -175,6 +175,10 @@ ZELHOST_API CallResult CallSlot(ZelObject* obj, void* function, const tagMethodI
 ZELHOST_API CallResult CallFunction(void* fn, const std::vector<std::wstring>& types, const std::vector<Value>& args,
                                     const std::wstring& resultType, bool passSuccessWord);
 
+// What the host is calling right now ("工具.文本类.删除 at f.zs:3"), or "";
+// a fixed buffer, safe to read from a signal handler.
+ZELHOST_API const char* CallContext();
+
 // ---------------------------------------------------------------- the tool
 struct RunOptions {
     bool audit = false;  // findings fail the run

@@ -1,6 +1,7 @@
 // ncl: list, show, check, document and drive class libraries through the
 // runtime host 系统.ncl.
 #include <dlfcn.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -51,6 +52,32 @@ private:
     char buf_[4096];
 };
 
+// A crash inside a class library names the method and the script line before
+// the process dies (sanitizer builds keep their own reports).
+void OnFatalSignal(int sig) {
+    const char* ctx = zelhost::CallContext();
+    const char* head = "ncl: fatal signal ";
+    char num[8];
+    int n = 0;
+    for (int v = sig; v > 0 && n < 7; v /= 10) num[n++] = char('0' + v % 10);
+    ssize_t ignored = ::write(2, head, strlen(head));
+    while (n > 0) ignored = ::write(2, &num[--n], 1);
+    if (ctx && *ctx) {
+        ignored = ::write(2, " in ", 4);
+        ignored = ::write(2, ctx, strlen(ctx));
+    }
+    ignored = ::write(2, "\n", 1);
+    (void)ignored;
+    signal(sig, SIG_DFL);
+    raise(sig);
+}
+
+void InstallCrashReport() {
+#if !defined(__SANITIZE_ADDRESS__)
+    for (int sig : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) signal(sig, OnFatalSignal);
+#endif
+}
+
 int Usage(std::ostream& err) {
     err << "usage:\n"
            "  ncl list LIB            the library record and its classes, one line each\n"
@@ -95,6 +122,7 @@ int main(int argc, char** argv) {
     FdBuf outBuf(1), errBuf(2);
     std::ostream out(&outBuf), err(&errBuf);
     DefaultSearchPath();
+    InstallCrashReport();
     if (argc < 2) return Usage(err);
     std::string cmd = argv[1];
     int status = 0;

@@ -640,6 +640,7 @@ int RunScript(std::istream& in, const std::string& file, const RunOptions& optio
                         text += (k ? " " : "") + FormatValue(v);
                     }
                     out << text << '\n';
+                    out.flush();  // keep printed lines if a later call crashes the process
                     break;
                 }
                 case StmtKind::Expect: {

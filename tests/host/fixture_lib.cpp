@@ -147,6 +147,7 @@ void Keep(ZelObject*, ZelObject* other) {
 }
 void Drop(ZelObject*) { RtRelease(g_copy); }
 // Word 0 of the copy is the object itself (the host's convention).
+void Crash(ZelObject*) { *static_cast<volatile int*>(nullptr) = 1; }
 ZelObject* Kept(ZelObject*) { return reinterpret_cast<ZelObject*>(g_copy[0]); }
 
 tagParamItem kValue[] = {P(L"值", L"_i")};
@@ -184,6 +185,7 @@ tagMethodItem kCounterMethods[] = {
     M(ZEL_METHOD, L"丢弃", L"", nullptr, 0, FP(Drop)),
     M(ZEL_METHOD, L"取保留", L"测试.计数器", nullptr, 0, FP(Kept)),
     M(ZEL_METHOD, L"加", L"_i", kTwoInts, 2, FP(Add2)),  // an overload by argument count
+    M(ZEL_METHOD, L"崩溃", L"", nullptr, 0, FP(Crash)),
 };
 tagElementItem kCounterElements[] = {E(L"", L"_i"), E(L"小数", L"_db"), E(L"整数", L"_i")};
 
