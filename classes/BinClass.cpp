@@ -46,5 +46,5 @@ static tagMethodItem kMethods[] = {
     Method(L"取数据长度", L"_i", BinClass_GetLength, L"取字节集数据的长度"),
 };
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_BinClass = ClassRecord(L"工具.字节集类", L"字节集型的包装类", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_BinClass) = ClassRecord(L"工具.字节集类", L"字节集型的包装类", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_BinClass);

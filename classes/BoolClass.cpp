@@ -32,5 +32,5 @@ static tagMethodItem kMethods[] = {
     Setter(L"逻辑", kValue, BoolClass_SetValue),
 };
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_BoolClass = ClassRecord(L"工具.逻辑类", L"逻辑型的包装类", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_BoolClass) = ClassRecord(L"工具.逻辑类", L"逻辑型的包装类", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_BoolClass);

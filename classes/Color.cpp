@@ -113,5 +113,5 @@ static tagMethodItem kMethods[] = {
 };
 static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 12);
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_Color = ClassRecord(L"工具.颜色", L"颜色对象", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Color) = ClassRecord(L"工具.颜色", L"颜色对象", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_Color);

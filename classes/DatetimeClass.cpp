@@ -84,6 +84,6 @@ static tagElementItem kElements[] = {
     Element(L"分", L"_i", 0, L"0 - 59"),
     Element(L"秒", L"_i", 0, L"0 - 59"),
 };
-ZEL_EXPORT tagTBaseTypeInfo g_info_DatetimeClass =
+ZEL_RECORD(tagTBaseTypeInfo, g_info_DatetimeClass) =
     ClassRecord(L"工具.日期时间类", L"日期时间型的包装类", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_DatetimeClass);

@@ -32,6 +32,6 @@ static tagMethodItem kMethods[] = {
     Setter(L"小数", kValue, DoubleClass_SetValue),
 };
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_DoubleClass =
+ZEL_RECORD(tagTBaseTypeInfo, g_info_DoubleClass) =
     ClassRecord(L"工具.双精度类", L"双精度型的包装类", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_DoubleClass);

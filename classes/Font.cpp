@@ -139,5 +139,5 @@ static tagMethodItem kMethods[] = {
 };
 static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 19);
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_Font = ClassRecord(L"工具.字体", L"字体对象", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Font) = ClassRecord(L"工具.字体", L"字体对象", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_Font);

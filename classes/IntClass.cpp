@@ -25,5 +25,5 @@ static tagMethodItem kMethods[] = {
     Setter(L"整数", kValue, IntClass_SetValue),
 };
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_IntClass = ClassRecord(L"工具.整数类", L"整数型的包装类", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_IntClass) = ClassRecord(L"工具.整数类", L"整数型的包装类", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_IntClass);

@@ -80,6 +80,6 @@ static tagMethodItem kMethods[] = {
     Method(L"取个数", L"_b", Map_GetCount),
 };
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_Map =
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Map) =
     ClassRecord(L"工具.映射表", L"本类描述一个映射表（Map）对象，其键和值均为对象。", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_Map);

@@ -115,8 +115,6 @@ static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 28);
 
 // No element table: the class has no data, and so the descriptor walk over
 // an object's classes never lists these methods.
-extern "C" {
-ZEL_API tagTBaseTypeInfo g_info_Math =
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Math) =
     ClassRecord(L"工具.数学运算", L"本类提供了常用的数学计算函数", kMethods, nullptr);
-}
 ZEL_REGISTER_CLASS(g_info_Math);

@@ -75,5 +75,5 @@ static tagMethodItem kMethods[] = {
 };
 static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 8);
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_Point = ClassRecord(L"工具.坐标点", L"本类描述一个坐标点对象", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Point) = ClassRecord(L"工具.坐标点", L"本类描述一个坐标点对象", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_Point);

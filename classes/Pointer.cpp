@@ -151,8 +151,6 @@ static tagElementItem kElements[] = {
     Element(L"步长", L"_i", ZEL_ELEMENT_HIDDEN),
 };
 
-extern "C" {
-ZEL_API tagTBaseTypeInfo g_info_Pointer =
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Pointer) =
     ClassRecord(L"工具.指针", L"指针类", kMethods, kElements, L"系统.对象", 0x20000001u);
-}
 ZEL_REGISTER_CLASS(g_info_Pointer);

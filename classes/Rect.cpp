@@ -235,5 +235,5 @@ static tagMethodItem kMethods[] = {
 };
 static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 31);
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_Rect = ClassRecord(L"工具.矩形", L"本类描述一个矩形区域对象", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Rect) = ClassRecord(L"工具.矩形", L"本类描述一个矩形区域对象", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_Rect);

@@ -92,5 +92,5 @@ static tagMethodItem kMethods[] = {
 };
 static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 10);
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_Size = ClassRecord(L"工具.尺寸", L"本类描述一个尺寸大小对象", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Size) = ClassRecord(L"工具.尺寸", L"本类描述一个尺寸大小对象", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_Size);

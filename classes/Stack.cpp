@@ -72,5 +72,5 @@ static tagMethodItem kMethods[] = {
            L"根据流对象中的序列化数据来重置当前对象。成功返回真，失败返回假"),
 };
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_Stack = ClassRecord(L"工具.栈", L"栈类", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Stack) = ClassRecord(L"工具.栈", L"栈类", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_Stack);

@@ -112,5 +112,5 @@ static tagMethodItem kMethods[] = {
     Method(L"到文本", L"_b", String_ToText),
 };
 static tagElementItem kElements[] = {HiddenState()};
-ZEL_EXPORT tagTBaseTypeInfo g_info_String = ClassRecord(L"工具.文本类", L"文本类", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_String) = ClassRecord(L"工具.文本类", L"文本类", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_String);

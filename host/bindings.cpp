@@ -14,7 +14,7 @@ struct BoundItem {
     const char* exportName;
 };
 
-// 工具.日期时间类 (Part 3.3): the twelve property items and 到文本.
+// 工具.日期时间类: the twelve property items and 到文本.
 const BoundItem kBound[] = {
     {"DatetimeClass", 1, "DatetimeClass_GetYear"},   {"DatetimeClass", 2, "DatetimeClass_GetMonth"},
     {"DatetimeClass", 3, "DatetimeClass_GetDay"},    {"DatetimeClass", 4, "DatetimeClass_GetHour"},
@@ -31,7 +31,7 @@ struct Irregular {
     int leadingWords;
 };
 
-// 工具.数学运算.求极限 (Part 6.1): the native function takes one 32-bit word
+// 工具.数学运算.求极限: the native function takes one 32-bit word
 // (the runtime passes 0) ahead of its double.
 const Irregular kIrregular[] = {
     {"Math", L"求极限", 1},

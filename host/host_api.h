@@ -29,7 +29,7 @@ ZELHOST_API std::wstring FromUtf8(const std::string& s);
 ZELHOST_API std::string ToUtf8(const std::wstring& s);
 ZELHOST_API std::string ToUtf8(const wchar_t* s);  // null gives ""
 ZELHOST_API unsigned TextHash(const wchar_t* s);    // GetTextHash: sum of the code units
-ZELHOST_API std::string ShowTypeName(const wchar_t* type);  // Part 1.1 show names
+ZELHOST_API std::string ShowTypeName(const wchar_t* type);  // the language's show names of type strings
 
 // ---------------------------------------------------------------- libraries
 struct ZELHOST_API Library {
@@ -147,9 +147,9 @@ ZELHOST_API std::vector<Finding> Findings();
 // handle (running the Free hooks of live objects) and clears the tables.
 ZELHOST_API std::vector<Finding> AuditAndReset();
 
-// Error reports (service 5) since the last TakeReports(), formatted as Part 1.5.
+// Error reports (service 5) since the last TakeReports(), formatted as the library's error reports are.
 ZELHOST_API std::vector<std::string> TakeReports();
-// The report text of service 5 (the formats of Part 1.5, without the newline).
+// The report text of service 5 (the error-report formats, without the newline).
 ZELHOST_API std::string FormatReport(const wchar_t* library, int code, const wchar_t* message);
 // Where service 5 prints (default: standard error). Null restores the default.
 ZELHOST_API void SetReportStream(std::ostream* out);

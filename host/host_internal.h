@@ -27,7 +27,7 @@ std::string BoundExport(const std::string& recordName, int index);
 // Extra leading 32-bit words of a calling irregularity.
 int LeadingWords(const std::string& recordName, const wchar_t* itemName);
 
-// Reports (runtime.cpp): the formats of Part 1.5.
+// Reports (runtime.cpp): the error-report formats.
 void AddFinding(const std::string& kind, const std::string& message);
 std::string CurrentWhere();
 std::string DescribeHandle(void* handle);  // "文本 \"ab\" made at f.zs:3"

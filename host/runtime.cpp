@@ -629,7 +629,7 @@ tagTBaseTypeInfo ClassRec(const wchar_t* name, const wchar_t* desc, const wchar_
     return r;
 }
 
-// The stream interfaces (Part 5.3 slot order).
+// The stream interfaces, in their slot order.
 tagParamItem kWriteInt[] = {P(L"整数", L"_i")};
 tagParamItem kWriteDouble[] = {P(L"小数", L"_db")};
 tagParamItem kWriteBool[] = {P(L"逻辑", L"_b")};

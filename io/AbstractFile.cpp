@@ -34,5 +34,5 @@ tagMethodItem FileMember(FileMemberSlot slot, void* function) {
     return item;
 }
 
-ZEL_EXPORT tagTInterfaceInfo g_info_AbstractFile = InterfaceRecord(L"工具.文件接口", Members());
+ZEL_RECORD(tagTInterfaceInfo, g_info_AbstractFile) = InterfaceRecord(L"工具.文件接口", Members());
 ZEL_REGISTER_INTERFACE(g_info_AbstractFile);

@@ -135,5 +135,5 @@ static tagMethodItem kMethods[] = {
 };
 static tagElementItem kElements[] = {HiddenState()};
 
-ZEL_EXPORT tagTBaseTypeInfo g_info_BinaryFile = ClassRecord(L"工具.二进制文件流", L"", kMethods, kElements);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_BinaryFile) = ClassRecord(L"工具.二进制文件流", L"", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_BinaryFile);

@@ -143,6 +143,6 @@ static tagMethodItem kMethods[] = {
 static tagElementItem kElements[] = {HiddenState()};
 static tagInterfaceEntry kInterfaces[] = {Interface(L"工具.文件接口", kFileSlots)};
 
-ZEL_EXPORT tagTBaseTypeInfo g_info_File =
+ZEL_RECORD(tagTBaseTypeInfo, g_info_File) =
     WithInterfaces(ClassRecord(L"工具.文件", L"文件基类", kMethods, kElements), kInterfaces);
 ZEL_REGISTER_CLASS(g_info_File);

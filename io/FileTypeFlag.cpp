@@ -21,5 +21,5 @@ static tagElementItem kMembers[] = {
     Member(L"未知", 1),
 };
 
-ZEL_EXPORT tagTBaseTypeInfo g_info_FileTypeFlag = ClassRecord(L"工具.文件类型选项", L"", nullptr, kMembers);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_FileTypeFlag) = ClassRecord(L"工具.文件类型选项", L"", nullptr, kMembers);
 ZEL_REGISTER_CLASS(g_info_FileTypeFlag);

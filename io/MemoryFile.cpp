@@ -126,6 +126,6 @@ static tagMethodItem kMethods[] = {
 };
 static tagElementItem kElements[] = {HiddenState()};
 
-ZEL_EXPORT tagTBaseTypeInfo g_info_MemoryFile =
+ZEL_RECORD(tagTBaseTypeInfo, g_info_MemoryFile) =
     ClassRecord(L"工具.内存文件", L"本类描述一个内存文件对象", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_MemoryFile);

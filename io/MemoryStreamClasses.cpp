@@ -130,11 +130,11 @@ static tagInterfaceEntry kStreamInterfaces[] = {
 static tagInterfaceEntry kIStreamInterfaces[] = {Interface(L"系统.输入流", kInputSlots)};
 static tagInterfaceEntry kOStreamInterfaces[] = {Interface(L"系统.输出流", kOutputSlots)};
 
-ZEL_EXPORT tagTBaseTypeInfo g_info_MemoryStream = WithInterfaces(
+ZEL_RECORD(tagTBaseTypeInfo, g_info_MemoryStream) = WithInterfaces(
     ClassRecord(L"工具.内存流", L"基于内存的输入输出流", kStreamMethods, kStreamElements), kStreamInterfaces);
-ZEL_EXPORT tagTBaseTypeInfo g_info_MemoryIStream = WithInterfaces(
+ZEL_RECORD(tagTBaseTypeInfo, g_info_MemoryIStream) = WithInterfaces(
     ClassRecord(L"工具.内存输入流", L"基于内存的输入流", kIStreamMethods, kIStreamElements), kIStreamInterfaces);
-ZEL_EXPORT tagTBaseTypeInfo g_info_MemoryOStream = WithInterfaces(
+ZEL_RECORD(tagTBaseTypeInfo, g_info_MemoryOStream) = WithInterfaces(
     ClassRecord(L"工具.内存输出流", L"基于内存的输出流", kOStreamMethods, kOStreamElements), kOStreamInterfaces);
 
 ZEL_REGISTER_CLASS(g_info_MemoryStream);

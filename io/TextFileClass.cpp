@@ -116,6 +116,6 @@ static tagMethodItem kMethods[] = {
 };
 static tagElementItem kElements[] = {HiddenState()};
 
-ZEL_EXPORT tagTBaseTypeInfo g_info_TextFile =
+ZEL_RECORD(tagTBaseTypeInfo, g_info_TextFile) =
     ClassRecord(L"工具.文本文件", L"文本文件", kMethods, kElements, L"工具.文件");
 ZEL_REGISTER_CLASS(g_info_TextFile);

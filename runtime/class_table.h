@@ -7,7 +7,7 @@
 //       Method(L"查找", L"_i", kFindParams, String_Find),
 //   };
 //   static tagElementItem kElements[] = {HiddenState()};
-//   ZEL_EXPORT tagTBaseTypeInfo g_info_String = ClassRecord(L"工具.文本类", L"文本类", kMethods, kElements);
+//   ZEL_RECORD(tagTBaseTypeInfo, g_info_String) = ClassRecord(L"工具.文本类", L"文本类", kMethods, kElements);
 //   ZEL_REGISTER_CLASS(g_info_String);
 //
 // Hashes are left 0 by the builders and filled in by the registration.

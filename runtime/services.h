@@ -1,4 +1,3 @@
-// NOTE FOR EVERY CONTRIBUTOR (temporary): read the team rules in /tmp/RULES.md before writing code.
 // The runtime's services, reached through the two runtime classes handed over
 // by ZelNotifyLib (or loaded by SysLibLoader). A service is the function of a
 // method item, called by its index with no object argument (cdecl).

@@ -1,4 +1,3 @@
-// NOTE FOR EVERY CONTRIBUTOR (temporary): read the team rules in /tmp/RULES.md before writing code.
 // Record layouts and value encodings shared with the language runtime.
 // Every layout here is byte-exact on 32-bit x86 (words of 4 bytes, doubles
 // aligned to 4 inside structures); the static_asserts below pin them.
@@ -9,6 +8,10 @@
 
 #define ZEL_API __attribute__((visibility("default")))
 #define ZEL_EXPORT extern "C" ZEL_API
+// Defines an exported record with C linkage: `ZEL_RECORD(tagTBaseTypeInfo, g_info_Color) = ...;`
+#define ZEL_RECORD(type, name) \
+    extern "C" ZEL_API type name; \
+    type name
 
 // The runtime's object handle. Word 0 belongs to the runtime; word 1 points
 // to the class chain; word 2 + level points to that level's data block.
