@@ -6,44 +6,40 @@
 #include "runtime/services.h"
 #include "support/mstring.h"
 
-namespace {
 // "%s" in our formats is a wide string, which the C library spells "%S":
 // swap the two, looking only at the character right after each '%'. The
-// caller's format is never changed; a copy is made at the first swap.
-class SwappedFormat {
-public:
-    explicit SwappedFormat(const wchar_t* fmt) : m_format(fmt) {
-        for (int i = 0; fmt[i]; ++i) {
-            if (fmt[i] != L'%') continue;
-            wchar_t next = fmt[i + 1];
-            if (next == L's' || next == L'S') {
-                if (!m_copied) {
-                    m_copy.SetText(fmt);
-                    m_copied = true;
-                }
-                m_copy.GetText()[i + 1] = next == L's' ? L'S' : L's';
+// caller's format is never changed; `copy` takes the text at the first swap.
+const wchar_t* zel::CLibraryFormat(const wchar_t* fmt, CMString& copy) {
+    if (!fmt) return L"";
+    bool copied = false;
+    for (int i = 0; fmt[i]; ++i) {
+        if (fmt[i] != L'%') continue;
+        wchar_t next = fmt[i + 1];
+        if (next == L's' || next == L'S') {
+            if (!copied) {
+                copy.SetText(fmt);
+                copied = true;
             }
-            if (next) ++i;
+            copy.GetText()[i + 1] = next == L's' ? L'S' : L's';
         }
-        if (m_copied) m_format = m_copy.GetText();
+        if (next) ++i;
     }
-    const wchar_t* get() const { return m_format; }
+    return copied ? copy.GetText() : fmt;
+}
 
-private:
-    const wchar_t* m_format;
-    CMString m_copy;
-    bool m_copied = false;
-};
-}  // namespace
-
-int vwprintf_linux(wchar_t* fmt, va_list args) { return std::vwprintf(SwappedFormat(fmt).get(), args); }
+int vwprintf_linux(wchar_t* fmt, va_list args) {
+    CMString copy;
+    return std::vwprintf(zel::CLibraryFormat(fmt, copy), args);
+}
 
 int vfwprintf_linux(FILE* stream, wchar_t* fmt, va_list args) {
-    return std::vfwprintf(stream, SwappedFormat(fmt).get(), args);
+    CMString copy;
+    return std::vfwprintf(stream, zel::CLibraryFormat(fmt, copy), args);
 }
 
 int vswprintf_linux(wchar_t* buf, wchar_t* fmt, va_list args) {
-    return std::vswprintf(buf, 0x1FFFFFFF, SwappedFormat(fmt).get(), args);
+    CMString copy;
+    return std::vswprintf(buf, 0x1FFFFFFF, zel::CLibraryFormat(fmt, copy), args);
 }
 
 int wprintf_linux(wchar_t* fmt, ...) {

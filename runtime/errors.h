@@ -18,3 +18,10 @@ ZEL_API int putws_linux(wchar_t* s);
 ZEL_API int MReportError(wchar_t* library, int code, wchar_t* message);
 
 enum { ZEL_ERR_NO_MEMORY = -20001 };
+
+class CMString;
+namespace zel {
+// The format as the C library wants it ("%s" and "%S" swapped); `copy` holds
+// the changed text when anything changed.
+const wchar_t* CLibraryFormat(const wchar_t* fmt, CMString& copy);
+}  // namespace zel

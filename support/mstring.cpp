@@ -1,5 +1,7 @@
 #include "support/mstring.h"
 
+#include "runtime/errors.h"
+
 #include <cwchar>
 #include <cwctype>
 #include <string>
@@ -21,21 +23,6 @@ int CountUnits(const wchar_t* s, int n) {
 }
 
 bool IsSpace(wchar_t c) { return std::iswspace(static_cast<wint_t>(c)) != 0; }
-
-// This system's formats use "%s" for a wide string, as the print family
-// does: swap it with "%S" for the C library.
-std::wstring CLibraryFormat(const wchar_t* fmt) {
-    std::wstring out(fmt ? fmt : L"");
-    for (size_t i = 0; i + 1 < out.size(); ++i) {
-        if (out[i] != L'%') continue;
-        wchar_t& c = out[++i];
-        if (c == L's')
-            c = L'S';
-        else if (c == L'S')
-            c = L's';
-    }
-    return out;
-}
 
 }  // namespace
 
@@ -168,13 +155,14 @@ void CMString::Format(const wchar_t* fmt, ...) {
 // Grows the buffer until the text fits; a format the C library rejects
 // (or a result beyond 16M characters) leaves the string empty.
 void CMString::FormatV(const wchar_t* fmt, va_list args) {
-    std::wstring format = CLibraryFormat(fmt);
+    CMString copy;
+    const wchar_t* format = zel::CLibraryFormat(fmt, copy);
     CMiniMem text;
     for (int room = 256; room <= (1 << 24); room *= 4) {
         if (!text.Realloc(room * kUnit)) break;
         va_list attempt;
         va_copy(attempt, args);
-        int n = std::vswprintf(reinterpret_cast<wchar_t*>(text.GetData()), room, format.c_str(), attempt);
+        int n = std::vswprintf(reinterpret_cast<wchar_t*>(text.GetData()), room, format, attempt);
         va_end(attempt);
         if (n >= 0) {
             text.Realloc(n ? (n + 1) * kUnit : 0);

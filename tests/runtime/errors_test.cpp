@@ -137,10 +137,10 @@ TEST(Loader, MissingSystemLibraryIsReportedOnce) {
 }
 
 TEST(Loader, FindsTheSystemLibraryInALaterDirectory) {
-    const char* build = std::getenv("ZEL_TEST_BUILD_DIR");
-    std::string system = std::string(build ? build : ".") + "/系统.ncl";
-    if (access(system.c_str(), R_OK) != 0) GTEST_SKIP() << "the runtime host is not built";
-    setenv("ZELCLS_PATHS", (std::string("/nonexistent-zel-dir;") + build).c_str(), 1);
+    const char* env = std::getenv("ZEL_TEST_BUILD_DIR");
+    std::string build = env ? env : ".";
+    if (access((build + "/系统.ncl").c_str(), R_OK) != 0) GTEST_SKIP() << "the runtime host is not built";
+    setenv("ZELCLS_PATHS", ("/nonexistent-zel-dir;" + build).c_str(), 1);
     SysLibLoader loader;
     EXPECT_NE(loader.GetRuntimeObject(), nullptr);
     unsetenv("ZELCLS_PATHS");
