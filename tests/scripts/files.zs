@@ -1,37 +1,37 @@
-# The file classes on one fixed path, overwritten by every run (scripts
-# cannot delete files).
+# The file classes on one scratch file in the working directory, overwritten
+# by every run.
 
 # 工具.二进制文件流 writes a type's signature before the data and counts the
 # data alone; it reads past the signature of the type it is told.
 b = new 工具.二进制文件流
-print b.写到文件(x"616263", "/tmp/zel_io_script.dat", 4)
-print b.读入文件("/tmp/zel_io_script.dat", 4)
-print b.读入文件("/tmp/zel_io_script.dat", 1)
-print b.取文件类型("/tmp/zel_io_script.dat")
-print b.写到文件(x"6100", "/tmp/zel_io_script.dat", 2), b.取文件类型("/tmp/zel_io_script.dat")
-print b.写到文件(x"6100", "/tmp/zel_io_script.dat", 3), b.取文件类型("/tmp/zel_io_script.dat")
-print b.读入文件("/tmp/zel_io_script.dat", 3)
+print b.写到文件(x"616263", "zel_io_script.dat", 4)
+print b.读入文件("zel_io_script.dat", 4)
+print b.读入文件("zel_io_script.dat", 1)
+print b.取文件类型("zel_io_script.dat")
+print b.写到文件(x"6100", "zel_io_script.dat", 2), b.取文件类型("zel_io_script.dat")
+print b.写到文件(x"6100", "zel_io_script.dat", 3), b.取文件类型("zel_io_script.dat")
+print b.读入文件("zel_io_script.dat", 3)
 
 # Without a signature the content decides: legal UTF-8 up to the first zero
 # byte is 5, anything else 1, an empty file 0.
-print b.写到文件(x"e4b8ade69687", "/tmp/zel_io_script.dat", 5), b.取文件类型("/tmp/zel_io_script.dat")
-print b.写到文件(x"c0af", "/tmp/zel_io_script.dat", 1), b.取文件类型("/tmp/zel_io_script.dat")
-print b.写到文件(x"eda080", "/tmp/zel_io_script.dat", 1), b.取文件类型("/tmp/zel_io_script.dat")
-print b.写到文件(x"6f6b00ff", "/tmp/zel_io_script.dat", 1), b.取文件类型("/tmp/zel_io_script.dat")
-print b.写到文件(x"616263", "/tmp/zel_io_script.dat", 0), b.写到文件(x"616263", "/tmp/zel_io_script.dat", 6)
-print b.写到文件(x"", "/tmp/zel_io_script.dat", 1), b.取文件类型("/tmp/zel_io_script.dat")
-print b.读入文件("/tmp/zel_io_script.dat", 1), b.读入文件("/tmp/zel_io_script.dat", 9)
+print b.写到文件(x"e4b8ade69687", "zel_io_script.dat", 5), b.取文件类型("zel_io_script.dat")
+print b.写到文件(x"c0af", "zel_io_script.dat", 1), b.取文件类型("zel_io_script.dat")
+print b.写到文件(x"eda080", "zel_io_script.dat", 1), b.取文件类型("zel_io_script.dat")
+print b.写到文件(x"6f6b00ff", "zel_io_script.dat", 1), b.取文件类型("zel_io_script.dat")
+print b.写到文件(x"616263", "zel_io_script.dat", 0), b.写到文件(x"616263", "zel_io_script.dat", 6)
+print b.写到文件(x"", "zel_io_script.dat", 1), b.取文件类型("zel_io_script.dat")
+print b.读入文件("zel_io_script.dat", 1), b.读入文件("zel_io_script.dat", 9)
 print b.读入文件("/tmp/zel_io_script_absent.dat", 1)
 
 # 工具.文件: the seeks answer fseek's status, 取长度 rewinds to the start.
 # 写 takes its count from word 1 and its bytes from byte 8 of the byte set:
 # one byte, the low byte of the length.
 f = new 工具.文件
-print f.打开("/tmp/zel_io_script.dat", 2)
+print f.打开("zel_io_script.dat", 2)
 print f.写(x"616263")
 f.关闭()
-b.写到文件(x"30313233343536373839", "/tmp/zel_io_script.dat", 1)
-print f.打开("/tmp/zel_io_script.dat", 4)
+b.写到文件(x"30313233343536373839", "zel_io_script.dat", 1)
+print f.打开("zel_io_script.dat", 4)
 print f.首定位(6), f.取读写位置()
 print f.取长度(), f.取读写位置()
 print f.读(4), ok
@@ -51,9 +51,9 @@ print f.打开("/tmp/zel_io_script_absent/x", 1)
 
 # 工具.文本文件 finds the encoding from FF FE or FE FF; wide files count
 # 4-byte characters behind the signature.
-b.写到文件(x"610000006200000063000000", "/tmp/zel_io_script.dat", 2)
+b.写到文件(x"610000006200000063000000", "zel_io_script.dat", 2)
 t = new 工具.文本文件
-print t.打开("/tmp/zel_io_script.dat", 4, 2)
+print t.打开("zel_io_script.dat", 4, 2)
 print t.取读写位置()
 print t.首定位(2), t.取读写位置()
 print t.读(5), ok
@@ -64,8 +64,8 @@ t.定位到文件首()
 print t.取读写位置()
 print t.写(x"41000000")
 # A UTF-8 signature keeps the default encoding given; such files never seek.
-b.写到文件(x"616263", "/tmp/zel_io_script.dat", 4)
-print t.打开("/tmp/zel_io_script.dat", 1, 3)
+b.写到文件(x"616263", "zel_io_script.dat", 4)
+print t.打开("zel_io_script.dat", 1, 3)
 print t.首定位(1), t.取读写位置(), t.取长度()
 print t.读(2), ok
 
