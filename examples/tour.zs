@@ -38,6 +38,13 @@ day.月 = 3
 day.日 = 5
 print day.到文本()
 
+# 工具.双精度类 and 工具.逻辑类 box a double and a logical the same way.
+ratio = new 工具.双精度类
+ratio.小数 = 0.25
+flag = new 工具.逻辑类
+flag.逻辑 = 真
+print ratio.小数, flag.逻辑
+
 # ---- Colour, font and geometry ------------------------------------------
 # A colour is three bytes; it converts to and from "r, g, b".
 sky = new 工具.颜色
@@ -62,6 +69,12 @@ print box.到文本()
 box.求交集(other)
 print box.到文本(), box.宽度, box.高度
 
+# A size is a width and a height.
+area = new 工具.尺寸
+area.初始化(640, 480)
+print area.到文本(), area.是否为空()
+
+# ---- Containers -----------------------------------------------------------
 # Containers hold objects. A list is addressed by position and keeps a
 # reference on each item; a map matches wrapped values by value; a stack
 # keeps its pointers as they are pushed.
@@ -85,7 +98,8 @@ print undo.取项目数(), undo.取项目().文本
 undo.删除()
 print undo.取项目数()
 
-# Files and streams. 工具.二进制文件流 writes and reads whole files, with the
+# ---- Files and streams --------------------------------------------------
+# 工具.二进制文件流 writes and reads whole files, with the
 # signature of a 工具.文件类型选项 type (4 is UTF-8 with EF BB BF), and tells
 # a file's type; 工具.文件 reads and writes bytes at a position. The memory
 # streams carry what objects serialize, packed and little-endian; the memory
@@ -97,6 +111,9 @@ raw = new 工具.文件
 raw.打开("/tmp/zel_io_script.dat", 1)
 print raw.取长度(), raw.读(3)
 raw.关闭()
+# 工具.文本文件 opens with a default encoding (2: the locale's multibyte text).
+notes = new 工具.文本文件
+print notes.打开("/tmp/zel_io_script.dat", 1, 2), notes.定位到文件尾()
 stream = new 工具.内存流
 spot = new 工具.坐标点
 spot.初始化(10, 20)
@@ -107,6 +124,12 @@ memo = new 工具.内存文件
 memo.写(x"0102030405")
 memo.首定位(3)
 print memo.读(10), memo.取读写位置(), memo.取数据()
+# The one-way streams: write into one, read back from another.
+sink = new 工具.内存输出流
+sink.写整数(7)
+source = new 工具.内存输入流
+source.初始化数据(sink.取数据())
+print sink.取长度(), source.读整数()
 
 # ---- Math and raw memory -------------------------------------------------
 # 工具.数学运算 is all static methods over the C math library. A few keep
