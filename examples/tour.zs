@@ -105,6 +105,7 @@ print undo.取项目数()
 # streams carry what objects serialize, packed and little-endian; the memory
 # file is the file interface over bytes in memory.
 disk = new 工具.二进制文件流
+print 工具.文件类型选项.UTF8
 print disk.写到文件(x"e4bda0e5a5bd", "/tmp/zel_io_script.dat", 4), disk.取文件类型("/tmp/zel_io_script.dat")
 print disk.读入文件("/tmp/zel_io_script.dat", 4)
 raw = new 工具.文件
