@@ -1,28 +1,14 @@
 // 工具.逻辑类: a logical value boxed in an object. The cell keeps the word it
 // was given; non-zero values are not folded to 1.
-#include <new>
+#include "classes/value_object.h"
 
-#include "runtime/class_table.h"
-#include "runtime/values.h"
+ZEL_EXPORT int* _BoolClass_GetData(ZelObject* obj) { return zel::StateOf<int>(obj); }
 
-ZEL_EXPORT int* _BoolClass_GetData(ZelObject* obj) { return static_cast<int*>(GetDataItemData(obj, 1, 0)); }
+ZEL_EXPORT void BoolClass_Init(ZelObject* obj) { zel::NewCell<int>(obj); }
+ZEL_EXPORT void BoolClass_Free(ZelObject* obj) { zel::DeleteState<int>(obj); }
 
-// A fresh cell reads false rather than leftover memory.
-ZEL_EXPORT void BoolClass_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new (std::nothrow) int()); }
-
-ZEL_EXPORT void BoolClass_Free(ZelObject* obj) {
-    delete _BoolClass_GetData(obj);
-    SetDataItemData(obj, 1, 0, nullptr);
-}
-
-ZEL_EXPORT int BoolClass_GetValue(ZelObject* obj) {
-    int* cell = _BoolClass_GetData(obj);
-    return cell ? *cell : 0;
-}
-
-ZEL_EXPORT void BoolClass_SetValue(ZelObject* obj, int value) {
-    if (int* cell = _BoolClass_GetData(obj)) *cell = value;
-}
+ZEL_EXPORT int BoolClass_GetValue(ZelObject* obj) { return zel::CellValue<int>(obj); }
+ZEL_EXPORT void BoolClass_SetValue(ZelObject* obj, int value) { zel::SetCellValue(obj, value); }
 
 using namespace zel;
 

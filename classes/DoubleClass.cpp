@@ -1,28 +1,12 @@
 // 工具.双精度类: a double boxed in an object, kept in a cell of its own
 // because the state word is too narrow for it.
-#include <new>
+#include "classes/value_object.h"
 
-#include "runtime/class_table.h"
-#include "runtime/values.h"
+ZEL_EXPORT void DoubleClass_Init(ZelObject* obj) { zel::NewCell<double>(obj); }
+ZEL_EXPORT void DoubleClass_Free(ZelObject* obj) { zel::DeleteState<double>(obj); }
 
-static double* Cell(ZelObject* obj) { return static_cast<double*>(GetDataItemData(obj, 1, 0)); }
-
-// A fresh cell reads 0.0 rather than leftover memory.
-ZEL_EXPORT void DoubleClass_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new (std::nothrow) double()); }
-
-ZEL_EXPORT void DoubleClass_Free(ZelObject* obj) {
-    delete Cell(obj);
-    SetDataItemData(obj, 1, 0, nullptr);
-}
-
-ZEL_EXPORT double DoubleClass_GetValue(ZelObject* obj) {
-    double* cell = Cell(obj);
-    return cell ? *cell : 0.0;
-}
-
-ZEL_EXPORT void DoubleClass_SetValue(ZelObject* obj, double value) {
-    if (double* cell = Cell(obj)) *cell = value;
-}
+ZEL_EXPORT double DoubleClass_GetValue(ZelObject* obj) { return zel::CellValue<double>(obj); }
+ZEL_EXPORT void DoubleClass_SetValue(ZelObject* obj, double value) { zel::SetCellValue(obj, value); }
 
 using namespace zel;
 

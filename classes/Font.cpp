@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "classes/value_object.h"
 #include "runtime/class_table.h"
 #include "runtime/errors.h"
 #include "runtime/services.h"
@@ -21,14 +22,10 @@ struct FontRecord {
 static_assert(sizeof(CMString) == 16);
 static_assert(sizeof(FontRecord) == 40);
 
-ZEL_EXPORT FontRecord* _Font_GetData(ZelObject* obj) { return static_cast<FontRecord*>(GetDataItemData(obj, 1, 0)); }
+ZEL_EXPORT FontRecord* _Font_GetData(ZelObject* obj) { return zel::StateOf<FontRecord>(obj); }
 
-ZEL_EXPORT void Font_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new FontRecord); }
-
-ZEL_EXPORT void Font_Free(ZelObject* obj) {
-    delete _Font_GetData(obj);
-    SetDataItemData(obj, 1, 0, nullptr);
-}
+ZEL_EXPORT void Font_Init(ZelObject* obj) { zel::NewState<FontRecord>(obj); }
+ZEL_EXPORT void Font_Free(ZelObject* obj) { zel::DeleteState<FontRecord>(obj); }
 
 ZEL_EXPORT unsigned char* Font_GetName(ZelObject* obj) {
     FontRecord* f = _Font_GetData(obj);
@@ -40,21 +37,19 @@ ZEL_EXPORT void Font_SetName(ZelObject* obj, unsigned char* value) {
 }
 
 // The integer attributes read -1 without a record (the underline flag 0).
-#define FONT_INT_PROPERTY(Name, field, missing)                     \
-    ZEL_EXPORT int Font_Get##Name(ZelObject* obj) {                 \
-        FontRecord* f = _Font_GetData(obj);                         \
-        return f ? f->field : (missing);                            \
-    }                                                               \
-    ZEL_EXPORT void Font_Set##Name(ZelObject* obj, int value) {     \
-        if (FontRecord* f = _Font_GetData(obj)) f->field = value;   \
-    }
-FONT_INT_PROPERTY(Charset, charset, -1)
-FONT_INT_PROPERTY(Size, size, -1)
-FONT_INT_PROPERTY(Family, family, -1)
-FONT_INT_PROPERTY(Style, style, -1)
-FONT_INT_PROPERTY(Underline, underline, 0)
-FONT_INT_PROPERTY(Weight, weight, -1)
-#undef FONT_INT_PROPERTY
+using zel::GetField, zel::SetField;
+ZEL_EXPORT int Font_GetCharset(ZelObject* obj) { return GetField<&FontRecord::charset, -1>(obj); }
+ZEL_EXPORT void Font_SetCharset(ZelObject* obj, int value) { SetField<&FontRecord::charset>(obj, value); }
+ZEL_EXPORT int Font_GetSize(ZelObject* obj) { return GetField<&FontRecord::size, -1>(obj); }
+ZEL_EXPORT void Font_SetSize(ZelObject* obj, int value) { SetField<&FontRecord::size>(obj, value); }
+ZEL_EXPORT int Font_GetFamily(ZelObject* obj) { return GetField<&FontRecord::family, -1>(obj); }
+ZEL_EXPORT void Font_SetFamily(ZelObject* obj, int value) { SetField<&FontRecord::family>(obj, value); }
+ZEL_EXPORT int Font_GetStyle(ZelObject* obj) { return GetField<&FontRecord::style, -1>(obj); }
+ZEL_EXPORT void Font_SetStyle(ZelObject* obj, int value) { SetField<&FontRecord::style>(obj, value); }
+ZEL_EXPORT int Font_GetUnderline(ZelObject* obj) { return GetField<&FontRecord::underline>(obj); }
+ZEL_EXPORT void Font_SetUnderline(ZelObject* obj, int value) { SetField<&FontRecord::underline>(obj, value); }
+ZEL_EXPORT int Font_GetWeight(ZelObject* obj) { return GetField<&FontRecord::weight, -1>(obj); }
+ZEL_EXPORT void Font_SetWeight(ZelObject* obj, int value) { SetField<&FontRecord::weight>(obj, value); }
 
 // Saving reads the name and drops it: nothing reaches the stream.
 ZEL_EXPORT int Font_SaveToStream(ZelObject* obj, ZelObject*) {
@@ -111,10 +106,8 @@ static tagParamItem kFamily[] = {Param(L"字族", L"_i", L"字体的字族")};
 static tagParamItem kStyle[] = {Param(L"风格", L"_i", L"字体的风格")};
 static tagParamItem kUnderline[] = {Param(L"下划线", L"_b", L"字体的下划线")};
 static tagParamItem kWeight[] = {Param(L"字重", L"_i", L"字体的字重")};
-static tagParamItem kSerialize[] = {Param(L"流对象", L"系统.输出流", L"本参数提供接收对象数据的流对象")};
-static tagParamItem kUnserialize[] = {Param(L"流对象", L"系统.输入流", L"本参数为提供对象数据的流对象")};
 static tagParamItem kText[] = {Param(L"字体文本", L"_s")};
-static tagParamItem kOther[] = {Param(L"欲比较的对象", L"工具.字体", L"本参数提供欲与当前对象进行比较的对象")};
+static tagParamItem kOther[] = {OtherParam(L"工具.字体")};
 static tagMethodItem kMethods[] = {
     Getter(L"名称", L"_s", Font_GetName),
     Setter(L"名称", kName, Font_SetName),
@@ -130,12 +123,11 @@ static tagMethodItem kMethods[] = {
     Setter(L"下划线", kUnderline, Font_SetUnderline),
     Getter(L"字重", L"_i", Font_GetWeight),
     Setter(L"字重", kWeight, Font_SetWeight),
-    Method(L"序列化", L"_b", kSerialize, Font_SaveToStream, L"把对象内所有需要保存的数据序列化到一个流对象中"),
-    Method(L"反序列化", L"_b", kUnserialize, Font_LoadFromStream,
-           L"根据流对象中的序列化数据来重置当前对象。成功返回真，失败返回假"),
-    Method(L"到文本", L"_s", Font_ToText, L"返回以文本方式表达的对象当前内容"),
+    SerializeMethod(Font_SaveToStream),
+    UnserializeMethod(Font_LoadFromStream),
+    ToTextMethod(Font_ToText),
     Method(L"到对象", L"", kText, Font_FromText, L"根据文本方式表达的对象生成字体对象。"),
-    Method(L"比较", L"_i", kOther, Font_Compare, L"确定两个对象谁大谁小"),
+    CompareMethod(kOther, Font_Compare),
 };
 static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 19);
 static tagElementItem kElements[] = {HiddenState()};

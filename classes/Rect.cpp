@@ -6,25 +6,16 @@
 #include <algorithm>
 
 #include "classes/geometry.h"
-#include "runtime/class_table.h"
-#include "runtime/errors.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
-#include "support/mstring.h"
-#include "support/textfuncs.h"
+#include "classes/value_object.h"
 
-ZEL_EXPORT RectState* _Rect_GetData(ZelObject* obj) { return static_cast<RectState*>(GetDataItemData(obj, 1, 0)); }
+ZEL_EXPORT RectState* _Rect_GetData(ZelObject* obj) { return zel::StateOf<RectState>(obj); }
 
 static RectState* OtherRect(ZelObject* other) { return other ? _Rect_GetData(other) : nullptr; }
 
 static bool IsEmpty(const RectState* r) { return !r || r->right <= r->left || r->bottom <= r->top; }
 
-ZEL_EXPORT void Rect_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new RectState{}); }
-
-ZEL_EXPORT void Rect_Free(ZelObject* obj) {
-    delete _Rect_GetData(obj);
-    SetDataItemData(obj, 1, 0, nullptr);
-}
+ZEL_EXPORT void Rect_Init(ZelObject* obj) { zel::NewState<RectState>(obj); }
+ZEL_EXPORT void Rect_Free(ZelObject* obj) { zel::DeleteState<RectState>(obj); }
 
 // The clone's state: a copy of the edges.
 ZEL_EXPORT void* Rect_Clone(ZelObject* obj) {
@@ -32,19 +23,14 @@ ZEL_EXPORT void* Rect_Clone(ZelObject* obj) {
     return r ? new RectState(*r) : nullptr;
 }
 
-#define RECT_EDGE_PROPERTY(Name, field)                             \
-    ZEL_EXPORT int Rect_Get##Name(ZelObject* obj) {                 \
-        RectState* r = _Rect_GetData(obj);                          \
-        return r ? r->field : 0;                                    \
-    }                                                               \
-    ZEL_EXPORT void Rect_Set##Name(ZelObject* obj, int value) {     \
-        if (RectState* r = _Rect_GetData(obj)) r->field = value;    \
-    }
-RECT_EDGE_PROPERTY(Left, left)
-RECT_EDGE_PROPERTY(Top, top)
-RECT_EDGE_PROPERTY(Right, right)
-RECT_EDGE_PROPERTY(Bottom, bottom)
-#undef RECT_EDGE_PROPERTY
+ZEL_EXPORT int Rect_GetLeft(ZelObject* obj) { return zel::GetField<&RectState::left>(obj); }
+ZEL_EXPORT void Rect_SetLeft(ZelObject* obj, int value) { zel::SetField<&RectState::left>(obj, value); }
+ZEL_EXPORT int Rect_GetTop(ZelObject* obj) { return zel::GetField<&RectState::top>(obj); }
+ZEL_EXPORT void Rect_SetTop(ZelObject* obj, int value) { zel::SetField<&RectState::top>(obj, value); }
+ZEL_EXPORT int Rect_GetRight(ZelObject* obj) { return zel::GetField<&RectState::right>(obj); }
+ZEL_EXPORT void Rect_SetRight(ZelObject* obj, int value) { zel::SetField<&RectState::right>(obj, value); }
+ZEL_EXPORT int Rect_GetBottom(ZelObject* obj) { return zel::GetField<&RectState::bottom>(obj); }
+ZEL_EXPORT void Rect_SetBottom(ZelObject* obj, int value) { zel::SetField<&RectState::bottom>(obj, value); }
 
 // Width and height are right - left and bottom - top (negative when
 // reversed); setting them moves the right or bottom edge.
@@ -170,21 +156,11 @@ ZEL_EXPORT int Rect_GetCenterY(ZelObject* obj) {
 
 ZEL_EXPORT unsigned char* Rect_ToText(ZelObject* obj) {
     RectState* r = _Rect_GetData(obj);
-    if (!r) return zel::EmptyText();
-    wchar_t buf[64] = {};
-    swprintf_linux(buf, const_cast<wchar_t*>(L"%d, %d, %d, %d"), r->left, r->top, r->right, r->bottom);
-    return zel::NewText(buf);
+    return r ? zel::NumbersText(L"%d, %d, %d, %d", r->left, r->top, r->right, r->bottom) : zel::EmptyText();
 }
 
-// Items beyond the end of the text leave their edge unchanged.
 ZEL_EXPORT void Rect_FromText(ZelObject* obj, unsigned char* text) {
-    RectState* r = _Rect_GetData(obj);
-    if (!r) return;
-    CMStringArray items;
-    int n = GetStringList(zel::TextChars(text), items);
-    int* edges[] = {&r->left, &r->top, &r->right, &r->bottom};
-    for (int i = 0; i < n && i < 4; ++i) *edges[i] = myatoi(items[i]);
-    items.RemoveAll();  // the array leaves its texts to us
+    if (RectState* r = _Rect_GetData(obj)) zel::ReadNumberItems(text, {&r->left, &r->top, &r->right, &r->bottom});
 }
 
 using namespace zel;
@@ -230,7 +206,7 @@ static tagMethodItem kMethods[] = {
     Method(L"相等", L"_b", kRect, Rect_Equals, L"四条边都相同时返回真"),
     Method(L"取中心横坐标", L"_i", Rect_GetCenterX, L"左边和右边的中点，向零取整"),
     Method(L"取中心纵坐标", L"_i", Rect_GetCenterY, L"上边和下边的中点，向零取整"),
-    Method(L"到文本", L"_s", Rect_ToText, L"返回以文本方式表达的对象当前内容"),
+    ToTextMethod(Rect_ToText),
     Method(L"到对象", L"", kText, Rect_FromText, L"根据文本方式表达的对象生成矩形对象。"),
 };
 static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 31);

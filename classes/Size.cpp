@@ -1,36 +1,16 @@
 // 工具.尺寸: a width and a height. A size is empty unless both are positive.
 #include "classes/geometry.h"
-#include "runtime/class_table.h"
-#include "runtime/errors.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
-#include "support/mstring.h"
-#include "support/textfuncs.h"
+#include "classes/value_object.h"
 
-ZEL_EXPORT SizeState* _Size_GetData(ZelObject* obj) { return static_cast<SizeState*>(GetDataItemData(obj, 1, 0)); }
+ZEL_EXPORT SizeState* _Size_GetData(ZelObject* obj) { return zel::StateOf<SizeState>(obj); }
 
-ZEL_EXPORT void Size_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new SizeState{}); }
+ZEL_EXPORT void Size_Init(ZelObject* obj) { zel::NewState<SizeState>(obj); }
+ZEL_EXPORT void Size_Free(ZelObject* obj) { zel::DeleteState<SizeState>(obj); }
 
-ZEL_EXPORT void Size_Free(ZelObject* obj) {
-    delete _Size_GetData(obj);
-    SetDataItemData(obj, 1, 0, nullptr);
-}
-
-ZEL_EXPORT int Size_GetWidth(ZelObject* obj) {
-    SizeState* s = _Size_GetData(obj);
-    return s ? s->width : 0;
-}
-ZEL_EXPORT void Size_SetWidth(ZelObject* obj, int value) {
-    if (SizeState* s = _Size_GetData(obj)) s->width = value;
-}
-
-ZEL_EXPORT int Size_GetHeight(ZelObject* obj) {
-    SizeState* s = _Size_GetData(obj);
-    return s ? s->height : 0;
-}
-ZEL_EXPORT void Size_SetHeight(ZelObject* obj, int value) {
-    if (SizeState* s = _Size_GetData(obj)) s->height = value;
-}
+ZEL_EXPORT int Size_GetWidth(ZelObject* obj) { return zel::GetField<&SizeState::width>(obj); }
+ZEL_EXPORT void Size_SetWidth(ZelObject* obj, int value) { zel::SetField<&SizeState::width>(obj, value); }
+ZEL_EXPORT int Size_GetHeight(ZelObject* obj) { return zel::GetField<&SizeState::height>(obj); }
+ZEL_EXPORT void Size_SetHeight(ZelObject* obj, int value) { zel::SetField<&SizeState::height>(obj, value); }
 
 ZEL_EXPORT void Size_Set(ZelObject* obj, int width, int height) {
     if (SizeState* s = _Size_GetData(obj)) *s = {width, height};
@@ -54,28 +34,18 @@ ZEL_EXPORT void Size_Inflate(ZelObject* obj, int dw, int dh) {
 
 ZEL_EXPORT unsigned char* Size_ToText(ZelObject* obj) {
     SizeState* s = _Size_GetData(obj);
-    if (!s) return zel::EmptyText();
-    wchar_t buf[64] = {};
-    swprintf_linux(buf, const_cast<wchar_t*>(L"%d, %d"), s->width, s->height);
-    return zel::NewText(buf);
+    return s ? zel::NumbersText(L"%d, %d", s->width, s->height) : zel::EmptyText();
 }
 
-// Items beyond the end of the text leave their field unchanged.
 ZEL_EXPORT void Size_FromText(ZelObject* obj, unsigned char* text) {
-    SizeState* s = _Size_GetData(obj);
-    if (!s) return;
-    CMStringArray items;
-    int n = GetStringList(zel::TextChars(text), items);
-    if (n > 0) s->width = myatoi(items[0]);
-    if (n > 1) s->height = myatoi(items[1]);
-    items.RemoveAll();  // the array leaves its texts to us
+    if (SizeState* s = _Size_GetData(obj)) zel::ReadNumberItems(text, {&s->width, &s->height});
 }
 
 using namespace zel;
 
 static tagParamItem kValue[] = {Param(L"值", L"_i")};
 static tagParamItem kWidthHeight[] = {Param(L"宽度", L"_i"), Param(L"高度", L"_i")};
-static tagParamItem kOther[] = {Param(L"欲比较的对象", L"工具.尺寸", L"本参数提供欲与当前对象进行比较的对象")};
+static tagParamItem kOther[] = {OtherParam(L"工具.尺寸")};
 static tagParamItem kInflate[] = {Param(L"宽度增量", L"_i", L"为负时缩小"), Param(L"高度增量", L"_i", L"为负时缩小")};
 static tagParamItem kText[] = {Param(L"尺寸文本", L"_s", L"以逗号分隔的宽度和高度")};
 static tagMethodItem kMethods[] = {
@@ -87,7 +57,7 @@ static tagMethodItem kMethods[] = {
     Method(L"是否为空", L"_b", Size_IsEmpty, L"宽度或高度不大于零时返回真"),
     Method(L"相等", L"_b", kOther, Size_Equals, L"宽度和高度都相同时返回真"),
     Method(L"扩大", L"", kInflate, Size_Inflate, L"把宽度和高度分别加上指定的增量"),
-    Method(L"到文本", L"_s", Size_ToText, L"返回以文本方式表达的对象当前内容"),
+    ToTextMethod(Size_ToText),
     Method(L"到对象", L"", kText, Size_FromText, L"根据文本方式表达的对象生成尺寸对象。"),
 };
 static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 10);
