@@ -159,24 +159,51 @@ HandleRec* Resolve(void*& p) {
     return nullptr;
 }
 
+// The live record of a handle to add a reference to or release (`action`);
+// a copy of an object's first words resolves p to the object. An unknown or
+// freed handle is reported (as `unknownKind` or an over-release) and gives null.
+HandleRec* LiveRecord(void*& p, const char* action, const char* unknownKind) {
+    void* handle = p;
+    HandleRec* r = Resolve(p);
+    if (r && !r->dead) return r;
+    if (g_tearingDown) return nullptr;
+    if (r) {
+        AddFinding("over-release", std::string("over-release: ") + action + " of a freed " + Describe(p, *r) + " (at " +
+                                       Where() + ")");
+        return nullptr;
+    }
+    char buf[32];
+    std::snprintf(buf, sizeof buf, "%p", handle);
+    AddFinding(unknownKind, std::string("unknown handle: ") + action + " of a handle the host never made (" + buf +
+                                ") at " + Where());
+    return nullptr;
+}
+
+void AddReport(const std::string& text) {
+    {
+        std::lock_guard<std::recursive_mutex> g(g_tableLock);
+        g_reports.push_back(text);
+        ++g_reportCount;
+    }
+    (g_reportStream ? *g_reportStream : std::cerr) << text << std::endl;
+}
+
+// Runs the Init or Free hook of one level of an object; "" when it succeeded
+// or the level has none, else how it failed.
+std::string RunHook(const Level& lv, HookKind hook, ZelObject* obj) {
+    if (!lv.cls || lv.cls->kind == ZEL_KIND_INTERFACE || !lv.cls->hooks[hook]) return "";
+    CallResult r = CallFunction(lv.cls->hooks[hook], {L"系统.对象"}, {Value::Handle(VK::Object, obj)}, L"_i", false);
+    if (r.ok) return "";
+    return (r.raised ? "raised an exception: " : "failed: ") + r.error;
+}
+
 void FreeObjectState(ZelObject* obj, HandleRec& rec) {
     ClassInfo* cls = rec.cls;
     std::vector<void*> blocks = rec.blocks;
     // Free hooks, derived first.
-    if (cls) {
-        for (size_t i = cls->levels.size(); i-- > 0;) {
-            const Level& lv = cls->levels[i];
-            if (!lv.cls || lv.cls->kind == ZEL_KIND_INTERFACE) continue;
-            void* hook = lv.cls->hooks[HOOK_FREE];
-            if (!hook) continue;
-            CallResult r = CallFunction(hook, {L"系统.对象"}, {Value::Handle(VK::Object, obj)}, L"_i", false);
-            if (!r.ok && !g_tearingDown) {
-                std::string msg = ToUtf8(lv.cls->name) + " Free hook " + (r.raised ? "raised an exception: " : "failed: ") + r.error;
-                g_reports.push_back(msg);
-                ++g_reportCount;
-                (g_reportStream ? *g_reportStream : std::cerr) << msg << std::endl;
-            }
-        }
+    for (size_t i = cls ? cls->levels.size() : 0; i-- > 0;) {
+        std::string failure = RunHook(cls->levels[i], HOOK_FREE, obj);
+        if (!failure.empty() && !g_tearingDown) AddReport(ToUtf8(cls->levels[i].cls->name) + " Free hook " + failure);
     }
     for (void* b : blocks) std::free(b);
 }
@@ -306,16 +333,10 @@ ZelObject* NewObject(ClassInfo* cls, std::string* error) {
     ZelObject* obj = reinterpret_cast<ZelObject*>(words);
     // Init hooks, base first.
     for (size_t i = 0; i < n; ++i) {
-        const Level& lv = cls->levels[i];
-        if (!lv.cls || lv.cls->kind == ZEL_KIND_INTERFACE) continue;
-        void* hook = lv.cls->hooks[HOOK_INIT];
-        if (!hook) continue;
-        CallResult r = CallFunction(hook, {L"系统.对象"}, {Value::Handle(VK::Object, obj)}, L"_i", false);
-        if (!r.ok) {
-            if (error)
-                *error = ToUtf8(lv.cls->name) + "_Init " + (r.raised ? "raised an exception: " : "failed: ") + r.error;
-            return obj;  // still tracked; the statement frees it
-        }
+        std::string failure = RunHook(cls->levels[i], HOOK_INIT, obj);
+        if (failure.empty()) continue;
+        if (error) *error = ToUtf8(cls->levels[i].cls->name) + "_Init " + failure;
+        return obj;  // still tracked; the statement frees it
     }
     return obj;
 }
@@ -324,22 +345,10 @@ void* AddRef(void* handle) {
     std::lock_guard<std::recursive_mutex> g(g_tableLock);
     if (!handle || IsConstant(handle)) return handle;
     void* p = handle;
-    HandleRec* r = Resolve(p);
-    if (!r) {
-        if (!g_tearingDown) {
-            char buf[32];
-            std::snprintf(buf, sizeof buf, "%p", handle);
-            AddFinding("unknown-addref", std::string("unknown handle: add-reference of a handle the host never made (") +
-                                             buf + ") at " + Where());
-        }
-        return handle;
+    if (HandleRec* r = LiveRecord(p, "add-reference", "unknown-addref")) {
+        ++r->refs;
+        r->everHeld = true;
     }
-    if (r->dead) {
-        if (!g_tearingDown) AddFinding("over-release", "over-release: add-reference of a freed " + Describe(p, *r) + " (at " + Where() + ")");
-        return p;
-    }
-    ++r->refs;
-    r->everHeld = true;
     return p;
 }
 
@@ -347,26 +356,9 @@ void Release(void* handle) {
     std::lock_guard<std::recursive_mutex> g(g_tableLock);
     if (!handle || IsConstant(handle)) return;
     void* p = handle;
-    HandleRec* r = Resolve(p);
-    if (!r) {
-        if (!g_tearingDown) {
-            char buf[32];
-            std::snprintf(buf, sizeof buf, "%p", handle);
-            AddFinding("unknown-release", std::string("unknown handle: release of a handle the host never made (") +
-                                              buf + ") at " + Where());
-        }
-        return;
-    }
-    if (r->dead) {
-        if (!g_tearingDown) AddFinding("over-release", "over-release: release of a freed " + Describe(p, *r) + " (at " + Where() + ")");
-        return;
-    }
-    if (r->refs == 0) {
-        // A fresh value that nobody took: its maker disposes of it.
-        Kill(p);
-        return;
-    }
-    if (--r->refs == 0) Kill(p);
+    HandleRec* r = LiveRecord(p, "release", "unknown-release");
+    // A fresh value that nobody took goes at once: its maker disposes of it.
+    if (r && (r->refs == 0 || --r->refs == 0)) Kill(p);
 }
 
 int RefCount(void* handle) {
@@ -505,14 +497,7 @@ int RtReserved() { return 0; }
 tagTBaseTypeInfo* RtMemoryManager();
 
 int RtReportError(int one, wchar_t* library, int code, wchar_t* message) {
-    std::string text = FormatReport(library, code, message);
-    {
-        std::lock_guard<std::recursive_mutex> g(g_tableLock);
-        g_reports.push_back(text);
-        ++g_reportCount;
-    }
-    std::ostream& os = g_reportStream ? *g_reportStream : std::cerr;
-    os << text << std::endl;
+    AddReport(FormatReport(library, code, message));
     return 0;
 }
 
