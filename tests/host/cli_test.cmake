@@ -1,25 +1,19 @@
-# Runs ncl with ARGS (a ;-list), optionally feeding INPUT on standard input;
-# checks the exit status (STATUS) and that stdout contains OUT and stderr ERR.
-# ARGS come joined with '|' (a ';' would split the test's command line).
+# Runs ncl with ARGS (a ;-list joined with '|', as a ';' would split the test's
+# command line), feeding INPUT on standard input when given; checks the exit
+# status (STATUS) and that stdout contains OUT and stderr ERR.
 set(ENV{ZELCLS_PATHS} "${PATHS}")
 string(REPLACE "|" ";" ARGS "${ARGS}")
 if(INPUT)
-  execute_process(COMMAND ${NCL} ${ARGS} INPUT_FILE ${INPUT}
-    OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE rc)
-else()
-  execute_process(COMMAND ${NCL} ${ARGS} OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE rc)
+  set(input INPUT_FILE ${INPUT})
 endif()
+execute_process(COMMAND ${NCL} ${ARGS} ${input} OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE rc)
 if(NOT rc STREQUAL STATUS)
   message(FATAL_ERROR "ncl ${ARGS}: exit ${rc}, expected ${STATUS}\n--- stdout:\n${out}\n--- stderr:\n${err}")
 endif()
-foreach(pair OUT:out ERR:err)
-  string(REPLACE ":" ";" pair ${pair})
-  list(GET pair 0 want)
-  list(GET pair 1 have)
-  if(DEFINED ${want})
-    string(FIND "${${have}}" "${${want}}" pos)
-    if(pos EQUAL -1)
-      message(FATAL_ERROR "ncl ${ARGS}: ${have} lacks \"${${want}}\"\n--- stdout:\n${out}\n--- stderr:\n${err}")
-    endif()
+foreach(stream out err)
+  string(TOUPPER ${stream} want)
+  string(FIND "${${stream}}" "${${want}}" pos)
+  if(pos EQUAL -1)
+    message(FATAL_ERROR "ncl ${ARGS}: ${stream} lacks \"${${want}}\"\n--- stdout:\n${out}\n--- stderr:\n${err}")
   endif()
 endforeach()

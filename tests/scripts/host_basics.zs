@@ -8,7 +8,7 @@ print x"", x"00ff7f"
 
 # Variables hold values; reassigning drops the old one.
 a = "first"
-b = a
+b = a   # a trailing comment
 a = "second"
 print a, b
 expect a != b
