@@ -1,8 +1,8 @@
-// A stand-in runtime for container unit tests. While it lives it is the
-// library's runtime: it counts the references taken and dropped on each
-// object, resolving a copy of an object's first words to the object through
-// word 0 (as the host does; a TestObject's word 0 is its own address), and
-// makes texts and byte sets as plain blocks that it frees on release.
+// A stand-in runtime for unit tests. While it lives it is the library's
+// runtime: it counts the references taken and dropped on each object,
+// resolving a copy of an object's first words to the object through word 0
+// (as the host does; a TestObject's word 0 is its own address), and makes
+// texts and byte sets as plain blocks that it frees on release.
 #pragma once
 
 #include <cstdint>
@@ -19,8 +19,6 @@ class CountingRuntime {
 public:
     CountingRuntime() {
         s_current = this;
-        for (auto& item : m_runtimeMethods) item = tagMethodItem{};
-        for (auto& item : m_memoryMethods) item = tagMethodItem{};
         m_runtimeMethods[ZEL_RT_MEMORY_MANAGER].function = reinterpret_cast<void*>(MemoryManager);
         m_memoryMethods[ZEL_MM_NEW_TEXT].function = reinterpret_cast<void*>(NewText);
         m_memoryMethods[ZEL_MM_NEW_BIN].function = reinterpret_cast<void*>(NewBin);
@@ -43,13 +41,10 @@ public:
         s_current = nullptr;
     }
     CountingRuntime(const CountingRuntime&) = delete;
-    CountingRuntime& operator=(const CountingRuntime&) = delete;
 
     // References taken minus references dropped on the object.
-    int Net(ZelObject* obj) const {
-        auto it = m_net.find(obj);
-        return it == m_net.end() ? 0 : it->second;
-    }
+    int Net(ZelObject* obj) const { return m_net.count(obj) ? m_net.at(obj) : 0; }
+    // Texts and byte sets made and not yet released.
     int LiveValues() const { return int(m_values.size()); }
 
 private:
@@ -58,30 +53,24 @@ private:
     static unsigned char* NewBin(void* data, int length) { return s_current->Track(MCloneZelBin(data, length)); }
     static void* AddRef(void* handle) {
         if (!handle || IsConstData(handle) || s_current->m_values.count(handle)) return handle;
-        ZelObject* obj = Resolve(handle);
+        ZelObject* obj = *static_cast<ZelObject**>(handle);
         ++s_current->m_net[obj];
         return obj;
     }
     static void Release(void* handle) {
         if (!handle || IsConstData(handle)) return;
-        if (s_current->m_values.erase(handle)) {
-            zel_free(handle);
-            return;
-        }
-        --s_current->m_net[Resolve(handle)];
+        if (s_current->m_values.erase(handle)) return zel_free(handle);
+        --s_current->m_net[*static_cast<ZelObject**>(handle)];
     }
-    static ZelObject* Resolve(void* handle) { return *static_cast<ZelObject**>(handle); }
-
     unsigned char* Track(unsigned char* value) {
         if (!IsConstData(value)) m_values.insert(value);
         return value;
     }
 
     static inline CountingRuntime* s_current = nullptr;
-    tagMethodItem m_runtimeMethods[17];
-    tagMethodItem m_memoryMethods[6];
-    tagTBaseTypeInfo m_runtimeClass{};
-    tagTBaseTypeInfo m_memoryClass{};
+    tagMethodItem m_runtimeMethods[17]{};
+    tagMethodItem m_memoryMethods[6]{};
+    tagTBaseTypeInfo m_runtimeClass{}, m_memoryClass{};
     int m_chain[3] = {};
     ZelObject m_object{};
     std::map<ZelObject*, int> m_net;

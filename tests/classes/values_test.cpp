@@ -1,0 +1,157 @@
+// The value classes as tests/scripts/values_*.zs cannot show them: without their state or the
+// other object, at the edges of 32-bit arithmetic, and what they hand to the runtime and take back.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <string>
+
+#include "classes/geometry.h"
+#include "common/test_object.h"
+#include "counting_runtime.h"
+#include "runtime/memory.h"
+#include "runtime/values.h"
+
+extern "C" {
+extern tagTBaseTypeInfo g_info_Color, g_info_Font, g_info_Size, g_info_Point, g_info_Rect;
+extern tagTBaseTypeInfo g_info_BinClass, g_info_BoolClass, g_info_DoubleClass;
+void Color_Init(ZelObject*), Color_Free(ZelObject*), Color_SetRGB(ZelObject*, int, int, int);
+void Color_FromText(ZelObject*, unsigned char*);
+int Color_GetRed(ZelObject*), Color_Compare(ZelObject*, ZelObject*);
+void Font_Init(ZelObject*), Font_Free(ZelObject*), Font_SetName(ZelObject*, unsigned char*);
+void Font_FromText(ZelObject*, unsigned char*);
+int Font_GetStyle(ZelObject*), Font_GetUnderline(ZelObject*), Font_Compare(ZelObject*, ZelObject*);
+int Font_SaveToStream(ZelObject*, ZelObject*);
+unsigned char *Color_ToText(ZelObject*), *Font_GetName(ZelObject*), *Font_ToText(ZelObject*);
+void Size_Init(ZelObject*), Size_Free(ZelObject*), Size_FromText(ZelObject*, unsigned char*);
+int Size_IsEmpty(ZelObject*), Size_Equals(ZelObject*, ZelObject*);
+void Point_Init(ZelObject*), Point_Free(ZelObject*), Point_Set(ZelObject*, int, int);
+int Point_Serialize(ZelObject*, ZelObject*), Point_Unserialize(ZelObject*, ZelObject*);
+void Rect_Init(ZelObject*), Rect_Free(ZelObject*), Rect_Set(ZelObject*, int, int, int, int);
+void Rect_Union(ZelObject*, ZelObject*), Rect_Intersect(ZelObject*, ZelObject*);
+void* Rect_Clone(ZelObject*);
+int Rect_GetWidth(ZelObject*), Rect_GetCenterX(ZelObject*), Rect_IsEmpty(ZelObject*), Rect_Equals(ZelObject*, ZelObject*);
+int Rect_Intersects(ZelObject*, ZelObject*), Rect_ContainsPoint(ZelObject*, ZelObject*);
+void BinClass_Init(ZelObject*), BinClass_Free(ZelObject*), BinClass_SetValue(ZelObject*, unsigned char*);
+unsigned char* BinClass_GetValue(ZelObject*);
+void BoolClass_Init(ZelObject*), BoolClass_Free(ZelObject*), BoolClass_SetValue(ZelObject*, int);
+void DoubleClass_Init(ZelObject*), DoubleClass_Free(ZelObject*), DoubleClass_SetValue(ZelObject*, double);
+int BoolClass_GetValue(ZelObject*);
+double DoubleClass_GetValue(ZelObject*);
+}
+
+namespace {
+// A text made by the test, freed when it goes.
+struct Text {
+    unsigned char* handle;
+    explicit Text(const wchar_t* s) : handle(MCloneZelText(const_cast<wchar_t*>(s))) {}
+    ~Text() { zel_free(handle); }
+    operator unsigned char*() const { return handle; }
+};
+struct Rect : TestObject {
+    Rect(int l = 0, int t = 0, int r = 0, int b = 0) : TestObject(&g_info_Rect, Rect_Init, Rect_Free) {
+        Rect_Set(get(), l, t, r, b);
+    }
+    bool Is(int l, int t, int r, int b) {
+        RectState* s = _Rect_GetData(get());
+        return s->left == l && s->top == t && s->right == r && s->bottom == b;
+    }
+};
+}  // namespace
+
+TEST(Values, WithoutTheirStateOrAnOtherObjectEveryMethodIsNeutral) {
+    TestObject color(&g_info_Color, Color_Init), font(&g_info_Font, Font_Init), size(&g_info_Size, Size_Init),
+        point(&g_info_Point, Point_Init, Point_Free), rect(&g_info_Rect, Rect_Init);
+    Color_Free(color), Font_Free(font), Size_Free(size), Rect_Free(rect);
+    Color_SetRGB(color, 1, 2, 3);
+    Color_FromText(color, Text(L"1, 2, 3"));
+    EXPECT_EQ(Color_GetRed(color) + Color_Compare(color, color), 0);
+    EXPECT_EQ(Color_ToText(color), zel::EmptyText());
+    Font_SetName(font, Text(L"x"));
+    Font_FromText(font, Text(L"x, 1"));
+    EXPECT_EQ(Font_GetName(font), zel::EmptyText());
+    EXPECT_EQ(Font_GetStyle(font), -1);
+    EXPECT_EQ(Font_GetUnderline(font), 0);
+    EXPECT_EQ(Font_SaveToStream(font, nullptr), 1);
+    Size_FromText(size, Text(L"1, 2"));
+    EXPECT_TRUE(Size_IsEmpty(size));
+    EXPECT_FALSE(Size_Equals(size, size));
+    EXPECT_EQ(Rect_Clone(rect), nullptr);
+    Rect_Set(rect, 1, 2, 3, 4);
+    EXPECT_TRUE(Rect_IsEmpty(rect));
+    Rect full(0, 0, 9, 9);
+    Rect_Union(rect, full);
+    Rect_Intersect(rect, full);
+    EXPECT_FALSE(Rect_Intersects(full, rect));
+    Rect_Union(full, rect);
+    EXPECT_TRUE(full.Is(0, 0, 9, 9));
+
+    TestObject color2(&g_info_Color, Color_Init, Color_Free), font2(&g_info_Font, Font_Init, Font_Free);
+    EXPECT_EQ(Color_Compare(color2, nullptr), 0);
+    EXPECT_EQ(Font_Compare(font2, nullptr), -1);
+    EXPECT_FALSE(Size_Equals(size, nullptr));
+    Point_Set(point, 1, 2);
+    // A point is no stream: nothing is read or written.
+    EXPECT_EQ(Point_Serialize(point, point) + Point_Unserialize(point, point) + Point_Unserialize(point, nullptr), 0);
+    EXPECT_EQ(_Point_GetData(point)->y, 2);
+    Rect r(0, 0, 2, 2), reversed(5, 5, 1, 1);
+    Rect_Union(r, nullptr);
+    Rect_Union(r, reversed);
+    EXPECT_TRUE(r.Is(0, 0, 2, 2));
+    EXPECT_FALSE(Rect_ContainsPoint(r, nullptr));
+    Rect_Intersect(r, nullptr);
+    EXPECT_TRUE(r.Is(0, 0, 0, 0));
+    EXPECT_FALSE(Rect_Equals(r, Rect(5, 5, 5, 5))) << "both empty, elsewhere";
+}
+
+TEST(Values, RectanglesAtTheEdgesOfTheIntegersAndTheirClones) {
+    Rect r(INT_MIN, 0, INT_MAX, 1), s(INT_MAX - 1, 0, INT_MAX, 1);
+    EXPECT_EQ(Rect_GetCenterX(r), 0);
+    EXPECT_EQ(Rect_GetWidth(r), -1) << "wraps";
+    EXPECT_FALSE(Rect_IsEmpty(r));
+    EXPECT_EQ(Rect_GetCenterX(s), INT_MAX - 1);
+
+    Rect a(1, 2, 3, 4), b;
+    auto* copy = static_cast<RectState*>(Rect_Clone(a));
+    delete _Rect_GetData(b);
+    b.word(1, 0) = copy;  // as the runtime installs the clone's state
+    EXPECT_TRUE(b.Is(1, 2, 3, 4));
+    copy->left = 0;
+    EXPECT_TRUE(a.Is(1, 2, 3, 4));
+}
+
+TEST(Values, FontTextsNeverOverrunAndTemporariesGoBack) {
+    CountingRuntime runtime;
+    TestObject font(&g_info_Font, Font_Init, Font_Free);
+    std::wstring name(3000, L'字');
+    Font_SetName(font, Text(name.c_str()));
+    unsigned char* text = Font_ToText(font);
+    EXPECT_EQ(zel::TextChars(text), name + L", 0, 0, 0, 90, 0, 90");
+    zel::Release(text);  // as the runtime drops what it was handed
+    Font_FromText(font, Text(L"Mono, 1"));
+    EXPECT_EQ(Font_SaveToStream(font, nullptr), 1);
+    EXPECT_EQ(runtime.LiveValues(), 0);
+}
+
+TEST(Values, BoxedValuesKeepTheirOwnCopies) {
+    TestObject bin(&g_info_BinClass, BinClass_Init, BinClass_Free);
+    unsigned char* first = MCloneZelBin(const_cast<char*>("abc"), 3);
+    BinClass_SetValue(bin, first);
+    std::memset(MGetZelBinData(first), 'x', 3);
+    zel_free(first);
+    unsigned char* read = BinClass_GetValue(bin);
+    EXPECT_NE(read, bin.word(1, 0)) << "a new byte set, not the held block";
+    EXPECT_EQ(std::memcmp(MGetZelBinData(read), "abc", 3), 0);
+    zel_free(read);
+    int bogus[3] = {0, 1, -5};
+    BinClass_SetValue(bin, reinterpret_cast<unsigned char*>(bogus));  // a negative length is ignored
+    EXPECT_EQ(MGetZelBinLength(static_cast<unsigned char*>(bin.word(1, 0))), 3);
+
+    TestObject logical(&g_info_BoolClass, BoolClass_Init, BoolClass_Free);
+    BoolClass_SetValue(logical, 2);
+    EXPECT_EQ(BoolClass_GetValue(logical), 2) << "not folded to 1";
+    TestObject number(&g_info_DoubleClass, DoubleClass_Init, DoubleClass_Free);
+    BoolClass_Free(logical), DoubleClass_Free(number);
+    DoubleClass_SetValue(number, 1.0);
+    EXPECT_EQ(DoubleClass_GetValue(number) + BoolClass_GetValue(logical), 0.0) << "no cell: neutral";
+}
