@@ -6,8 +6,7 @@
 #include <string>
 
 #include "common/test_object.h"
-#include "runtime/memory.h"
-#include "runtime/values.h"
+#include "owned_values.h"
 
 extern "C" {
 extern tagTBaseTypeInfo g_info_String;
@@ -20,23 +19,13 @@ unsigned char* String_GetText(ZelObject*);
 }
 
 namespace {
-// A text argument that frees itself.
-struct Text {
-    unsigned char* handle;
-    explicit Text(const wchar_t* s) : handle(MCloneZelText(const_cast<wchar_t*>(s))) {}
-    ~Text() { zel_free(handle); }
-    operator unsigned char*() const { return handle; }
-};
-
 class StringTest : public ::testing::Test {
 protected:
     TestObject t{&g_info_String, String_Init, String_Free};
     void Set(const wchar_t* s) { String_SetText(t, Text(s)); }
     std::wstring Content() {
-        unsigned char* text = String_GetText(t);
-        std::wstring s(zel::TextChars(text));
-        zel_free(text);
-        return s;
+        Owned text{String_GetText(t)};
+        return zel::TextChars(text.p);
     }
 };
 }  // namespace

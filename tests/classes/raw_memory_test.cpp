@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "common/test_object.h"
-#include "runtime/memory.h"
-#include "runtime/values.h"
+#include "owned_values.h"
 
 extern "C" {
 extern tagTBaseTypeInfo g_info_Address, g_info_Pointer;
@@ -29,11 +28,6 @@ double Pointer_GetFloat(ZelObject*), Pointer_GetDouble(ZelObject*);
 
 namespace {
 
-// A runtime value owned by the test.
-struct Owned {
-    unsigned char* p;
-    ~Owned() { zel_free(p); }
-};
 int AsInt(const void* p) { return int(reinterpret_cast<uintptr_t>(p)); }
 
 }  // namespace

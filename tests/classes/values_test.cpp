@@ -9,8 +9,7 @@
 #include "classes/geometry.h"
 #include "common/test_object.h"
 #include "counting_runtime.h"
-#include "runtime/memory.h"
-#include "runtime/values.h"
+#include "owned_values.h"
 
 extern "C" {
 extern tagTBaseTypeInfo g_info_Color, g_info_Font, g_info_Size, g_info_Point, g_info_Rect;
@@ -41,13 +40,6 @@ double DoubleClass_GetValue(ZelObject*);
 }
 
 namespace {
-// A text made by the test, freed when it goes.
-struct Text {
-    unsigned char* handle;
-    explicit Text(const wchar_t* s) : handle(MCloneZelText(const_cast<wchar_t*>(s))) {}
-    ~Text() { zel_free(handle); }
-    operator unsigned char*() const { return handle; }
-};
 struct Rect : TestObject {
     Rect(int l = 0, int t = 0, int r = 0, int b = 0) : TestObject(&g_info_Rect, Rect_Init, Rect_Free) {
         Rect_Set(get(), l, t, r, b);
