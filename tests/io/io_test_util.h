@@ -1,9 +1,7 @@
-// Shared helpers of the io tests: a private temporary directory removed with
-// everything in it, whole-file reads and writes, descriptor counting, and
-// owners for the values that the functions under test hand back.
+// Shared helpers of the io tests: a private temporary directory, whole-file
+// access, descriptor counting, and an owner for the values handed back.
 #pragma once
 
-#include <dirent.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -15,40 +13,28 @@
 
 class TempDir {
 public:
-    TempDir() {
-        char pattern[] = "/tmp/zel_io_XXXXXX";
-        m_path = mkdtemp(pattern) ? pattern : "";
-    }
-    ~TempDir() {
-        if (!m_path.empty()) std::filesystem::remove_all(m_path);
-    }
+    TempDir() { char pattern[] = "/tmp/zel_io_XXXXXX"; m_path = mkdtemp(pattern) ? pattern : ""; }
+    ~TempDir() { if (!m_path.empty()) std::filesystem::remove_all(m_path); }
     std::string Path(const std::string& name) const { return m_path + "/" + name; }
     std::wstring WPath(const std::string& name) const {
         std::string p = Path(name);
         return std::wstring(p.begin(), p.end());
     }
-    const std::string& path() const { return m_path; }
 
 private:
     std::string m_path;
 };
 
-inline void WriteFileBytes(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
+inline void WriteFileBytes(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 inline std::string ReadFileBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 inline int OpenDescriptors() {
-    int n = 0;
-    if (DIR* dir = opendir("/proc/self/fd")) {
-        while (readdir(dir)) ++n;
-        closedir(dir);
-    }
-    return n;
+    auto fds = std::filesystem::directory_iterator("/proc/self/fd");
+    return int(std::distance(begin(fds), end(fds)));
 }
 
 // Owns a text or byte set made by the library (zel_free leaves the shared
@@ -64,6 +50,4 @@ struct Owned {
     std::wstring text() const { return h ? std::wstring(reinterpret_cast<wchar_t*>(h + 8)) : L"<null>"; }
 };
 
-inline unsigned char* MakeBin(const std::string& bytes) {
-    return MCloneZelBin(const_cast<char*>(bytes.data()), int(bytes.size()));
-}
+inline unsigned char* MakeBin(const std::string& bytes) { return MCloneZelBin(const_cast<char*>(bytes.data()), int(bytes.size())); }
