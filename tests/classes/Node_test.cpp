@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "common/test_object.h"
-#include "counting_runtime.h"
+#include "common/counting_runtime.h"
 #include "runtime/class_table.h"
 
 namespace {

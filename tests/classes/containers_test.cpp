@@ -5,7 +5,7 @@
 #include <deque>
 
 #include "common/test_object.h"
-#include "counting_runtime.h"
+#include "common/counting_runtime.h"
 #include "runtime/class_table.h"
 
 using ObjectDeque = std::deque<ZelObject*>;

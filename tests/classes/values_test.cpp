@@ -8,7 +8,7 @@
 
 #include "classes/geometry.h"
 #include "common/test_object.h"
-#include "counting_runtime.h"
+#include "common/counting_runtime.h"
 #include "owned_values.h"
 
 extern "C" {

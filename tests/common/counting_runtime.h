@@ -1,14 +1,17 @@
 // A stand-in runtime for unit tests. While it lives it is the library's
-// runtime: it counts the references taken and dropped on each object,
-// resolving a copy of an object's first words to the object through word 0
-// (as the host does; a TestObject's word 0 is its own address), and makes
-// texts and byte sets as plain blocks that it frees on release.
+// runtime (handed over through ZelNotifyLib): it counts the references taken
+// and dropped on each object, resolving a copy of an object's first words to
+// the object through word 0 (as the host does; a TestObject's word 0 is its
+// own address), makes texts and byte sets as plain blocks that it frees on
+// release, and records locks, registered constant blocks and error reports.
 #pragma once
 
 #include <cstdint>
 #include <iterator>
 #include <map>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "runtime/loader.h"
 #include "runtime/memory.h"
@@ -19,6 +22,10 @@ class CountingRuntime {
 public:
     CountingRuntime() {
         s_current = this;
+        m_runtimeMethods[ZEL_RT_LOCK].function = reinterpret_cast<void*>(Lock);
+        m_runtimeMethods[ZEL_RT_UNLOCK].function = reinterpret_cast<void*>(Unlock);
+        m_runtimeMethods[ZEL_RT_REGISTER_CONST].function = reinterpret_cast<void*>(RegisterConst);
+        m_runtimeMethods[ZEL_RT_REPORT_ERROR].function = reinterpret_cast<void*>(Report);
         m_runtimeMethods[ZEL_RT_MEMORY_MANAGER].function = reinterpret_cast<void*>(MemoryManager);
         m_memoryMethods[ZEL_MM_NEW_TEXT].function = reinterpret_cast<void*>(NewText);
         m_memoryMethods[ZEL_MM_NEW_BIN].function = reinterpret_cast<void*>(NewBin);
@@ -30,6 +37,8 @@ public:
         m_memoryClass.methods = m_memoryMethods;
         m_chain[0] = 1;
         m_chain[1] = int(reinterpret_cast<intptr_t>(&m_runtimeClass));
+        m_runtimeClass.name = const_cast<wchar_t*>(L"系统.运行时");
+        m_object.runtimeWord = &m_object;
         m_object.classChain = m_chain;
         ZelNotifyLib(&g_zellib_info, NOTIFY_LIB_RUNTIME, unsigned(reinterpret_cast<uintptr_t>(&m_object)), 0);
     }
@@ -38,6 +47,7 @@ public:
         g_pRuntimeObject = nullptr;
         g_pRuntimeClassInfo = nullptr;
         g_pGCClassInfo = nullptr;
+        g_EmptyConst.next = g_EmptyConst.next2 = nullptr;
         s_current = nullptr;
     }
     CountingRuntime(const CountingRuntime&) = delete;
@@ -46,8 +56,22 @@ public:
     int Net(ZelObject* obj) const { return m_net.count(obj) ? m_net.at(obj) : 0; }
     // Texts and byte sets made and not yet released.
     int LiveValues() const { return int(m_values.size()); }
+    ZelObject* object() { return &m_object; }
+
+    int locks = 0;
+    std::vector<void*> registered;
+    std::wstring lastReport;  // "library|message"
+    int lastCode = 0;
 
 private:
+    static void Lock() { ++s_current->locks; }
+    static void Unlock() {}
+    static void RegisterConst(void* block) { s_current->registered.push_back(block); }
+    static int Report(int, wchar_t* library, int code, wchar_t* message) {
+        s_current->lastReport = std::wstring(library) + L"|" + message;
+        s_current->lastCode = code;
+        return 7;
+    }
     static tagTBaseTypeInfo* MemoryManager() { return &s_current->m_memoryClass; }
     static unsigned char* NewText(wchar_t* s) { return s_current->Track(MCloneZelText(s)); }
     static unsigned char* NewBin(void* data, int length) { return s_current->Track(MCloneZelBin(data, length)); }
