@@ -116,8 +116,6 @@ static tagParamItem kSet[] = {
     Param(L"位置", L"_i", L"欲置项目的位置"),
     Param(L"项目", L"系统.对象", L"欲置入的项目"),
 };
-static tagParamItem kSerialize[] = {Param(L"流对象", L"系统.输出流", L"本参数提供接收对象数据的流对象")};
-static tagParamItem kUnserialize[] = {Param(L"流对象", L"系统.输入流", L"本参数为提供对象数据的流对象")};
 
 static tagMethodItem kMethods[] = {
     Method(L"加入项目", L"", kAdd, List_AddItem, L"加入指定项目到列表的尾部或头部"),
@@ -128,9 +126,8 @@ static tagMethodItem kMethods[] = {
     Method(L"清空", L"", List_Clear, L"删除列表中的所有数据"),
     Method(L"是否为空", L"_b", List_IsEmpty, L"测试列表是否为空"),
     Method(L"取项目数", L"_i", List_GetCount, L"取列表中所有项目的数量。失败返回-1"),
-    Method(L"序列化", L"_b", kSerialize, List_SaveToStream, L"把对象内所有需要保存的数据序列化到一个流对象中"),
-    Method(L"反序列化", L"_b", kUnserialize, List_LoadFromStream,
-           L"根据流对象中的序列化数据来重置当前对象。成功返回真，失败返回假"),
+    SerializeMethod(List_SaveToStream),
+    UnserializeMethod(List_LoadFromStream),
 };
 static tagElementItem kElements[] = {HiddenState()};
 ZEL_RECORD(tagTBaseTypeInfo, g_info_List) = ClassRecord(L"工具.列表", L"列表容器类", kMethods, kElements);

@@ -58,8 +58,6 @@ ZEL_EXPORT int Stack_LoadFromStream(ZelObject*, ZelObject*) { return 0; }
 using namespace zel;
 
 static tagParamItem kPush[] = {Param(L"项目", L"系统.对象", L"欲加入到栈顶的项目")};
-static tagParamItem kSerialize[] = {Param(L"流对象", L"系统.输出流", L"本参数提供接收对象数据的流对象")};
-static tagParamItem kUnserialize[] = {Param(L"流对象", L"系统.输入流", L"本参数为提供对象数据的流对象")};
 
 static tagMethodItem kMethods[] = {
     Method(L"加入", L"", kPush, Stack_Push, L"加入指定项目到栈的顶部"),
@@ -67,9 +65,8 @@ static tagMethodItem kMethods[] = {
     Method(L"取项目", L"系统.对象", Stack_Top, L"取栈顶项目"),
     Method(L"是否为空", L"_b", Stack_IsEmpty, L"测试栈是否为空"),
     Method(L"取项目数", L"_i", Stack_GetCount, L"取栈中所有项目的数量"),
-    Method(L"序列化", L"_b", kSerialize, Stack_SaveToStream, L"把对象内所有需要保存的数据序列化到一个流对象中"),
-    Method(L"反序列化", L"_b", kUnserialize, Stack_LoadFromStream,
-           L"根据流对象中的序列化数据来重置当前对象。成功返回真，失败返回假"),
+    SerializeMethod(Stack_SaveToStream),
+    UnserializeMethod(Stack_LoadFromStream),
 };
 static tagElementItem kElements[] = {HiddenState()};
 ZEL_RECORD(tagTBaseTypeInfo, g_info_Stack) = ClassRecord(L"工具.栈", L"栈类", kMethods, kElements);

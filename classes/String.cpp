@@ -93,8 +93,6 @@ static tagParamItem kDelete[] = {Param(L"起始删除位置", L"_i"), Param(L"�
 static tagParamItem kFind[] = {Param(L"欲查找文本", L"_s"), Param(L"起始查找位置", L"_i")};
 static tagParamItem kReplace[] = {Param(L"欲被替换文本", L"_s"), Param(L"欲替换为文本", L"_i")};
 static tagParamItem kCompare[] = {Param(L"被比较文本", L"_s")};
-static tagParamItem kSerialize[] = {Param(L"流对象", L"系统.输出流", L"本参数提供接收对象数据的流对象")};
-static tagParamItem kUnserialize[] = {Param(L"流对象", L"系统.输入流", L"本参数为提供对象数据的流对象")};
 static tagMethodItem kMethods[] = {
     Getter(L"文本", L"_s", String_GetText),
     Setter(L"文本", kText, String_SetText),
@@ -107,8 +105,8 @@ static tagMethodItem kMethods[] = {
     Method(L"替换", L"_i", kReplace, String_Replace),
     Method(L"比较", L"_i", kCompare, String_Compare),
     Method(L"相等于", L"_b", kCompare, String_Equals),
-    Method(L"序列化", L"_b", kSerialize, nullptr),
-    Method(L"反序列化", L"_b", kUnserialize, nullptr),
+    Method(L"序列化", L"_b", kSerializeParams, nullptr),
+    Method(L"反序列化", L"_b", kUnserializeParams, nullptr),
     Method(L"到文本", L"_b", String_ToText),
 };
 static tagElementItem kElements[] = {HiddenState()};

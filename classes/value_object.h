@@ -86,24 +86,12 @@ void ReadNumberItems(unsigned char* text, T* const (&fields)[N]) {
     items.RemoveAll();  // the array leaves its texts to us
 }
 
-// One copy serves every class; each registration fills in the same hashes.
-inline tagParamItem kSerializeParams[] = {Param(L"流对象", L"系统.输出流", L"本参数提供接收对象数据的流对象")};
-inline tagParamItem kUnserializeParams[] = {Param(L"流对象", L"系统.输入流", L"本参数为提供对象数据的流对象")};
 
 // The other object of 比较 and 相等, of the class's own type.
 inline tagParamItem OtherParam(const wchar_t* type) {
     return Param(L"欲比较的对象", type, L"本参数提供欲与当前对象进行比较的对象");
 }
 
-template <typename Fn>
-tagMethodItem SerializeMethod(Fn fn) {
-    return Method(L"序列化", L"_b", kSerializeParams, fn, L"把对象内所有需要保存的数据序列化到一个流对象中");
-}
-template <typename Fn>
-tagMethodItem UnserializeMethod(Fn fn) {
-    return Method(L"反序列化", L"_b", kUnserializeParams, fn,
-                  L"根据流对象中的序列化数据来重置当前对象。成功返回真，失败返回假");
-}
 template <typename Fn>
 tagMethodItem ToTextMethod(Fn fn) {
     return Method(L"到文本", L"_s", fn, L"返回以文本方式表达的对象当前内容");

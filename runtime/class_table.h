@@ -87,6 +87,22 @@ tagInterfaceEntry Interface(const wchar_t* name, void* (&slots)[N]) {
     return tagInterfaceEntry{W(name), 0, int(N), slots};
 }
 
+// The stream parameters of 序列化 and 反序列化. One copy serves every class;
+// each registration fills in the same hashes.
+inline tagParamItem kSerializeParams[] = {Param(L"流对象", L"系统.输出流", L"本参数提供接收对象数据的流对象")};
+inline tagParamItem kUnserializeParams[] = {Param(L"流对象", L"系统.输入流", L"本参数为提供对象数据的流对象")};
+
+// The language's usual 序列化 and 反序列化 items.
+template <typename Fn>
+tagMethodItem SerializeMethod(Fn fn) {
+    return Method(L"序列化", L"_b", kSerializeParams, fn, L"把对象内所有需要保存的数据序列化到一个流对象中");
+}
+template <typename Fn>
+tagMethodItem UnserializeMethod(Fn fn) {
+    return Method(L"反序列化", L"_b", kUnserializeParams, fn,
+                  L"根据流对象中的序列化数据来重置当前对象。成功返回真，失败返回假");
+}
+
 tagTBaseTypeInfo MakeClassRecord(const wchar_t* name, const wchar_t* description, tagMethodItem* methods,
                                  int methodCount, tagElementItem* elements, int elementCount,
                                  const wchar_t* baseName, tagInterfaceEntry* interfaces, int interfaceCount,
