@@ -141,8 +141,6 @@ struct ZELHOST_API Finding {
     std::string kind;     // "leak", "over-release", "unknown-release", "unknown-addref", "foreign-result"
     std::string message;  // one line
 };
-// The findings so far of this run (the audit adds the leaks).
-ZELHOST_API std::vector<Finding> Findings();
 // Ends a run: reports live handles nothing holds as leaks, then frees every
 // handle (running the Free hooks of live objects) and clears the tables.
 ZELHOST_API std::vector<Finding> AuditAndReset();

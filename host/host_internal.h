@@ -15,7 +15,6 @@ namespace zelhost {
 // The host's own class records (runtime.cpp).
 extern ZelLibInfo g_sysLibInfo;
 tagTBaseTypeInfo* HostFindRecord(const std::wstring& name);
-std::vector<tagTBaseTypeInfo*> HostRecords();
 ZelObject* RuntimeObject();
 
 // Record names of the host's own records (for ncl show / check).
@@ -27,17 +26,15 @@ std::string BoundExport(const std::string& recordName, int index);
 // Extra leading 32-bit words of a calling irregularity.
 int LeadingWords(const std::string& recordName, const wchar_t* itemName);
 
-// Reports (runtime.cpp): the error-report formats.
+// Findings and the statement context (handles.cpp).
 void AddFinding(const std::string& kind, const std::string& message);
 std::string CurrentWhere();
 std::string DescribeHandle(void* handle);  // "文本 \"ab\" made at f.zs:3"
+
+// Error reports (runtime.cpp): how many so far, never reset.
 int ReportCount();
 
 // Type strings.
 bool IsDoubleType(const wchar_t* t);
-std::string TypeString(const wchar_t* t);  // UTF-8, "" for null
-
-// Peeks at three words of memory the host does not own (no ASan check).
-void PeekWords(const void* p, void* out[3]);
 
 }  // namespace zelhost

@@ -1,184 +1,26 @@
-// The runtime object, the two runtime classes and their services, and the
-// handle table with its reference counts and audit.
+// The 系统 library itself: the runtime object, the records of its classes
+// (系统.对象, the stream interfaces, 系统.运行时, 系统.内存管理器), the services
+// behind the runtime and memory-manager methods, and the error reports.
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <iostream>
-#include <map>
-#include <mutex>
-#include <unordered_map>
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/asan_interface.h>
-extern "C" int __sanitizer_get_ownership(const volatile void* p);
-extern "C" size_t __sanitizer_get_allocated_size(const volatile void* p);
-#define ZELHOST_ASAN 1
-#endif
-
-#include "host/host_internal.h"
+#include "host/handle_table.h"
 
 namespace zelhost {
 namespace {
 
 wchar_t* W(const wchar_t* s) { return const_cast<wchar_t*>(s); }
 
-// ------------------------------------------------------------ handle table
-enum HKind { H_TEXT, H_BIN, H_ARRAY, H_OBJECT, H_BLOCK };
-
-struct HandleRec {
-    HKind kind = H_TEXT;
-    int refs = 0;
-    bool dead = false;
-    bool everHeld = false;   // has had a reference
-    bool byLibrary = false;  // made through a service
-    long statement = 0;      // statement that made it (0: none)
-    long serial = 0;         // creation order
-    std::string where;
-    std::string preview;  // content shown in findings, kept when the handle dies
-    ClassInfo* cls = nullptr;
-    int id = 0;
-    size_t size = 0;                  // bytes of the handle block (for poisoning)
-    std::vector<void*> blocks;        // object: its level data blocks
-    void* chain = nullptr;            // object: word 1
-    void* block0 = nullptr;           // object: word 2
-};
-
-std::recursive_mutex g_tableLock;  // guards the tables below
-std::unordered_map<void*, HandleRec> g_handles;
-long g_serial = 0;
-int g_objectIds = 0;
-long g_statement = 0;         // current statement (0: none)
-long g_statementCounter = 0;
-std::string g_where;          // "file:line" of the current statement
-std::vector<void*> g_statementRefs;
-std::vector<Finding> g_findings;
-std::vector<std::string> g_reports;
+std::vector<std::string> g_reports;  // guarded by g_tableLock
 int g_reportCount = 0;
 std::ostream* g_reportStream = nullptr;
-bool g_tearingDown = false;
-int g_serviceDepth = 0;  // > 0 while a service runs on behalf of a library
-
-struct ConstBlock {
-    char* begin;
-    size_t size;
-};
-std::vector<ConstBlock> g_constBlocks;
 
 std::recursive_mutex g_runtimeLock;  // services 0 and 1
 
-void Poison(void* p, size_t n) {
-#ifdef ZELHOST_ASAN
-    if (p && n) ASAN_POISON_MEMORY_REGION(p, n);
-#else
-    (void)p, (void)n;
-#endif
-}
-void Unpoison(void* p, size_t n) {
-#ifdef ZELHOST_ASAN
-    if (p && n) ASAN_UNPOISON_MEMORY_REGION(p, n);
-#else
-    (void)p, (void)n;
-#endif
-}
-size_t BlockSize(void* p) {
-#ifdef ZELHOST_ASAN
-    if (__sanitizer_get_ownership(p)) return __sanitizer_get_allocated_size(p);
-#endif
-    (void)p;
-    return 0;
-}
+}  // namespace
 
-const char* KindName(HKind k) {
-    switch (k) {
-        case H_TEXT: return "文本";
-        case H_BIN: return "字节集";
-        case H_ARRAY: return "数组";
-        case H_OBJECT: return "对象";
-        case H_BLOCK: return "交出的内存块";
-    }
-    return "?";
-}
-
-std::string Where() {
-    if (!g_where.empty()) return g_where;
-    return "library load";
-}
-
-HandleRec& Track(void* p, HKind kind, size_t size) {
-    HandleRec rec;
-    rec.kind = kind;
-    rec.byLibrary = g_serviceDepth > 0;
-    rec.statement = g_statement;
-    rec.serial = ++g_serial;
-    rec.where = Where();
-    rec.size = size;
-    auto& slot = g_handles[p];
-    slot = rec;
-    return slot;
-}
-
-std::string Preview(void* p, const HandleRec& r) {
-    if (r.dead) return r.preview;
-    std::string s;
-    if (r.kind == H_TEXT) s = FormatValue(Value::Handle(VK::Text, p));
-    else if (r.kind == H_BIN) s = FormatValue(Value::Handle(VK::Bin, p));
-    else return "";
-    if (s.size() > 60) {
-        size_t cut = 57;
-        while (cut > 0 && (static_cast<unsigned char>(s[cut]) & 0xC0) == 0x80) --cut;
-        s = s.substr(0, cut) + "...";
-    }
-    return " " + s;
-}
-
-std::string Describe(void* p, const HandleRec& r) {
-    std::string s;
-    if (r.kind == H_OBJECT && r.cls)
-        s = ToUtf8(r.cls->name) + "#" + std::to_string(r.id);
-    else
-        s = KindName(r.kind);
-    s += Preview(p, r);
-    s += r.byLibrary ? " made by library at " : " made at ";
-    s += r.where;
-    return s;
-}
-
-// Resolves a handle or a 12-byte copy of an object's first words.
-HandleRec* Resolve(void*& p) {
-    auto it = g_handles.find(p);
-    if (it != g_handles.end()) return &it->second;
-    void* w[3];
-    PeekWords(p, w);
-    auto ob = g_handles.find(w[0]);
-    if (ob != g_handles.end() && ob->second.kind == H_OBJECT && ob->second.chain == w[1] &&
-        ob->second.block0 == w[2]) {
-        p = w[0];
-        return &ob->second;
-    }
-    return nullptr;
-}
-
-// The live record of a handle to add a reference to or release (`action`);
-// a copy of an object's first words resolves p to the object. An unknown or
-// freed handle is reported (as `unknownKind` or an over-release) and gives null.
-HandleRec* LiveRecord(void*& p, const char* action, const char* unknownKind) {
-    void* handle = p;
-    HandleRec* r = Resolve(p);
-    if (r && !r->dead) return r;
-    if (g_tearingDown) return nullptr;
-    if (r) {
-        AddFinding("over-release", std::string("over-release: ") + action + " of a freed " + Describe(p, *r) + " (at " +
-                                       Where() + ")");
-        return nullptr;
-    }
-    char buf[32];
-    std::snprintf(buf, sizeof buf, "%p", handle);
-    AddFinding(unknownKind, std::string("unknown handle: ") + action + " of a handle the host never made (" + buf +
-                                ") at " + Where());
-    return nullptr;
-}
-
+// ------------------------------------------------------------ reports
 void AddReport(const std::string& text) {
     {
         std::lock_guard<std::recursive_mutex> g(g_tableLock);
@@ -186,260 +28,6 @@ void AddReport(const std::string& text) {
         ++g_reportCount;
     }
     (g_reportStream ? *g_reportStream : std::cerr) << text << std::endl;
-}
-
-// Runs the Init or Free hook of one level of an object; "" when it succeeded
-// or the level has none, else how it failed.
-std::string RunHook(const Level& lv, HookKind hook, ZelObject* obj) {
-    if (!lv.cls || lv.cls->kind == ZEL_KIND_INTERFACE || !lv.cls->hooks[hook]) return "";
-    CallResult r = CallFunction(lv.cls->hooks[hook], {L"系统.对象"}, {Value::Handle(VK::Object, obj)}, L"_i", false);
-    if (r.ok) return "";
-    return (r.raised ? "raised an exception: " : "failed: ") + r.error;
-}
-
-void FreeObjectState(ZelObject* obj, HandleRec& rec) {
-    ClassInfo* cls = rec.cls;
-    std::vector<void*> blocks = rec.blocks;
-    // Free hooks, derived first.
-    for (size_t i = cls ? cls->levels.size() : 0; i-- > 0;) {
-        std::string failure = RunHook(cls->levels[i], HOOK_FREE, obj);
-        if (!failure.empty() && !g_tearingDown) AddReport(ToUtf8(cls->levels[i].cls->name) + " Free hook " + failure);
-    }
-    for (void* b : blocks) std::free(b);
-}
-
-void Kill(void* p) {
-    auto it = g_handles.find(p);
-    if (it == g_handles.end() || it->second.dead) return;
-    HandleRec& rec = it->second;
-    rec.preview = Preview(p, rec);
-    rec.dead = true;
-    if (rec.kind == H_OBJECT) {
-        FreeObjectState(static_cast<ZelObject*>(p), g_handles[p]);
-    }
-    HandleRec& again = g_handles[p];
-    Poison(p, again.size);
-}
-
-}  // namespace
-
-// ------------------------------------------------------------ public handles
-void PeekWords(const void* p, void* out[3]) __attribute__((no_sanitize("address")));
-void PeekWords(const void* p, void* out[3]) {
-    void* const* w = static_cast<void* const*>(const_cast<void*>(p));
-    out[0] = w[0];
-    out[1] = w[1];
-    out[2] = w[2];
-}
-
-bool IsConstant(const void* p) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    const char* c = static_cast<const char*>(p);
-    for (auto& b : g_constBlocks)
-        if (c >= b.begin && c < b.begin + b.size) return true;
-    return false;
-}
-
-void BeginStatement(const std::string& where) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    g_where = where;
-    g_statement = ++g_statementCounter;
-}
-
-void StatementHold(void* h) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    if (!h || IsConstant(h)) return;
-    void* p = h;
-    HandleRec* r = Resolve(p);
-    if (!r || r->dead) return;
-    ++r->refs;
-    r->everHeld = true;
-    g_statementRefs.push_back(p);
-}
-
-void EndStatement() {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    std::vector<void*> refs;
-    refs.swap(g_statementRefs);
-    for (void* p : refs) Release(p);
-    // Fresh handles of this statement that nothing took: the statement owned them.
-    if (g_statement) {
-        std::vector<std::pair<long, void*>> fresh;
-        for (auto& [p, r] : g_handles)
-            if (!r.dead && r.statement == g_statement && r.refs == 0) fresh.push_back({r.serial, p});
-        std::sort(fresh.begin(), fresh.end());
-        for (auto& f : fresh) {
-            auto it = g_handles.find(f.second);
-            if (it != g_handles.end() && !it->second.dead && it->second.refs == 0) Kill(f.second);
-        }
-    }
-    g_statement = 0;
-    g_where.clear();
-}
-
-std::string CurrentWhere() { return Where(); }
-
-unsigned char* NewText(const wchar_t* s) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    size_t n = s ? wcslen(s) : 0;
-    size_t size = n * 4 + 12;
-    auto* block = static_cast<unsigned char*>(std::calloc(1, size));
-    int32_t* w = reinterpret_cast<int32_t*>(block);
-    w[0] = 0;
-    w[1] = int32_t(n);
-    if (n) std::memcpy(block + 8, s, n * 4);
-    Track(block, H_TEXT, size);
-    return block;
-}
-
-unsigned char* NewBin(const void* data, int length) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    size_t n = length > 0 ? size_t(length) : 0;
-    size_t size = n + 12;
-    auto* block = static_cast<unsigned char*>(std::calloc(1, size));
-    int32_t* w = reinterpret_cast<int32_t*>(block);
-    w[0] = 0;
-    w[1] = 1;
-    w[2] = int32_t(n);
-    if (n && data) std::memcpy(block + 12, data, n);
-    Track(block, H_BIN, size);
-    return block;
-}
-
-ZelObject* NewObject(ClassInfo* cls, std::string* error) {
-    std::unique_lock<std::recursive_mutex> g(g_tableLock);
-    if (!cls || cls->kind == ZEL_KIND_INTERFACE) {
-        if (error) *error = "cannot create an object of an interface";
-        return nullptr;
-    }
-    size_t n = cls->levels.size();
-    size_t size = (2 + n) * sizeof(void*);
-    void** words = static_cast<void**>(std::calloc(1, size));
-    words[0] = words;
-    words[1] = cls->chain.data();
-    std::vector<void*> blocks;
-    for (size_t i = 0; i < n; ++i) {
-        int nw = std::max(cls->levels[i].words, 1);
-        void* b = std::calloc(size_t(nw), 4);
-        words[2 + i] = b;
-        blocks.push_back(b);
-    }
-    HandleRec& rec = Track(words, H_OBJECT, size);
-    rec.cls = cls;
-    rec.id = ++g_objectIds;
-    rec.blocks = blocks;
-    rec.chain = words[1];
-    rec.block0 = words[2];
-    ZelObject* obj = reinterpret_cast<ZelObject*>(words);
-    // Init hooks, base first.
-    for (size_t i = 0; i < n; ++i) {
-        std::string failure = RunHook(cls->levels[i], HOOK_INIT, obj);
-        if (failure.empty()) continue;
-        if (error) *error = ToUtf8(cls->levels[i].cls->name) + "_Init " + failure;
-        return obj;  // still tracked; the statement frees it
-    }
-    return obj;
-}
-
-void* AddRef(void* handle) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    if (!handle || IsConstant(handle)) return handle;
-    void* p = handle;
-    if (HandleRec* r = LiveRecord(p, "add-reference", "unknown-addref")) {
-        ++r->refs;
-        r->everHeld = true;
-    }
-    return p;
-}
-
-void Release(void* handle) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    if (!handle || IsConstant(handle)) return;
-    void* p = handle;
-    HandleRec* r = LiveRecord(p, "release", "unknown-release");
-    // A fresh value that nobody took goes at once: its maker disposes of it.
-    if (r && (r->refs == 0 || --r->refs == 0)) Kill(p);
-}
-
-int RefCount(void* handle) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    if (!handle) return -1;
-    void* p = handle;
-    HandleRec* r = Resolve(p);
-    if (!r) return -1;
-    return r->dead ? -2 : r->refs;
-}
-
-bool IsLive(void* handle) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    auto it = g_handles.find(handle);
-    return it != g_handles.end() && !it->second.dead;
-}
-
-ClassInfo* ObjectClass(ZelObject* obj) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    auto it = g_handles.find(obj);
-    if (it == g_handles.end() || it->second.kind != H_OBJECT) return nullptr;
-    return it->second.cls;
-}
-
-int ObjectId(ZelObject* obj) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    auto it = g_handles.find(obj);
-    if (it == g_handles.end()) return 0;
-    return it->second.id;
-}
-
-std::string DescribeHandle(void* handle) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    void* p = handle;
-    HandleRec* r = Resolve(p);
-    if (!r) return "unknown handle";
-    return Describe(p, *r);
-}
-
-void AddFinding(const std::string& kind, const std::string& message) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    g_findings.push_back({kind, message});
-}
-
-std::vector<Finding> Findings() {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    return g_findings;
-}
-
-std::vector<Finding> AuditAndReset() {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    if (g_statement) EndStatement();
-    std::vector<Finding> out = g_findings;
-    std::vector<std::pair<long, void*>> live;
-    for (auto& [p, r] : g_handles)
-        if (!r.dead) live.push_back({r.serial, p});
-    std::sort(live.begin(), live.end());
-    for (auto& l : live) {
-        HandleRec& r = g_handles[l.second];
-        std::string refs = r.refs == 0 ? "no reference, nothing holds it" :
-                           std::to_string(r.refs) + (r.refs == 1 ? " reference" : " references") + " nothing holds";
-        out.push_back({"leak", "leak: " + Describe(l.second, r) + " (" + refs + ")"});
-    }
-    // Free everything: first the state of live objects, then the memory.
-    g_tearingDown = true;
-    for (auto& l : live) {
-        auto it = g_handles.find(l.second);
-        if (it != g_handles.end() && !it->second.dead) Kill(l.second);
-    }
-    for (auto& [p, r] : g_handles) {
-        Unpoison(p, r.size);
-        std::free(p);
-    }
-    g_handles.clear();
-    g_tearingDown = false;
-    g_findings.clear();
-    g_statementRefs.clear();
-    g_objectIds = 0;
-    g_statement = 0;
-    g_where.clear();
-    return out;
 }
 
 std::vector<std::string> TakeReports() {
@@ -467,30 +55,9 @@ std::string FormatReport(const wchar_t* library, int code, const wchar_t* messag
 // ------------------------------------------------------------ the services
 namespace {
 
-struct ServiceScope {
-    ServiceScope() { ++g_serviceDepth; }
-    ~ServiceScope() { --g_serviceDepth; }
-};
-
 void RtLock() { g_runtimeLock.lock(); }
 void RtUnlock() { g_runtimeLock.unlock(); }
-
-void RtRegisterConst(void* block) {
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    if (!block) return;
-    char* b = static_cast<char*>(block);
-    for (auto& c : g_constBlocks)
-        if (c.begin == b) return;
-    int32_t size = *reinterpret_cast<int32_t*>(b);
-    if (size < 12) size = 12;
-    // Chain: byte 4 links to the block registered before (towards the oldest),
-    // byte 8 to the block registered after (towards the newest).
-    void** words = reinterpret_cast<void**>(b);
-    words[1] = g_constBlocks.empty() ? nullptr : g_constBlocks.back().begin;
-    words[2] = nullptr;
-    if (!g_constBlocks.empty()) reinterpret_cast<void**>(g_constBlocks.back().begin)[2] = b;
-    g_constBlocks.push_back({b, size_t(size)});
-}
+void RtRegisterConst(void* block) { RegisterConstBlock(block); }
 
 int RtReserved() { return 0; }
 
@@ -517,12 +84,7 @@ ZelObject* RtNewObject(wchar_t* className, int one) {
 
 void* MmTakeOver(void* block, int zero) {
     ServiceScope s;
-    std::lock_guard<std::recursive_mutex> g(g_tableLock);
-    if (!block || IsConstant(block)) return block;
-    auto it = g_handles.find(block);
-    if (it != g_handles.end() && !it->second.dead) return block;
-    Track(block, H_BLOCK, BlockSize(block));
-    return block;
+    return TakeOverBlock(block);
 }
 
 unsigned char* MmNewText(wchar_t* s) {
@@ -746,10 +308,6 @@ struct HostInit {
 ZelObject* RuntimeObject() { return reinterpret_cast<ZelObject*>(g_runtimeWords); }
 
 tagTBaseTypeInfo* HostFindRecord(const std::wstring& name) { return SysFind(nullptr, const_cast<wchar_t*>(name.c_str())); }
-
-std::vector<tagTBaseTypeInfo*> HostRecords() {
-    return std::vector<tagTBaseTypeInfo*>(std::begin(kHostRecords), std::end(kHostRecords));
-}
 
 std::string HostRecordName(const void* record) {
     if (record == &g_info_SystemObject) return "SystemObject";

@@ -59,7 +59,6 @@ unsigned TextHash(const wchar_t* s) {
 }
 
 bool IsDoubleType(const wchar_t* t) { return t && wcscmp(t, L"_db") == 0; }
-std::string TypeString(const wchar_t* t) { return ToUtf8(t); }
 
 std::string ShowTypeName(const wchar_t* type) {
     if (!type || !*type) return "";
