@@ -54,6 +54,7 @@ private:
 
 // A crash inside a class library names the method and the script line before
 // the process dies (sanitizer builds keep their own reports).
+#if !defined(__SANITIZE_ADDRESS__)
 void OnFatalSignal(int sig) {
     const char* ctx = zelhost::CallContext();
     const char* head = "ncl: fatal signal ";
@@ -71,6 +72,7 @@ void OnFatalSignal(int sig) {
     signal(sig, SIG_DFL);
     raise(sig);
 }
+#endif
 
 void InstallCrashReport() {
 #if !defined(__SANITIZE_ADDRESS__)
