@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <cwchar>
 
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 static uint32_t AddressOf(ZelObject* obj) {
     return obj ? uint32_t(reinterpret_cast<uintptr_t>(GetDataItemData(obj, 1, 0))) : 0;

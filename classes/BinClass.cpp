@@ -4,9 +4,9 @@
 #include <cstring>
 #include <new>
 
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 static unsigned char* HeldBin(ZelObject* obj) { return static_cast<unsigned char*>(GetDataItemData(obj, 1, 0)); }
 

@@ -5,9 +5,9 @@
 #include <ctime>
 #include <cwchar>
 
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 enum DatetimeField { kYear, kMonth, kDay, kHour, kMinute, kSecond };
 

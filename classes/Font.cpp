@@ -3,12 +3,12 @@
 #include <vector>
 
 #include "classes/value_object.h"
-#include "runtime/class_table.h"
-#include "runtime/errors.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
-#include "support/mstring.h"
-#include "support/textfuncs.h"
+#include <zel/class_table.h>
+#include <zel/errors.h>
+#include <zel/services.h>
+#include <zel/values.h>
+#include <zel/mstring.h>
+#include <zel/textfuncs.h>
 
 struct FontRecord {
     CMString name;

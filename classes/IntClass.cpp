@@ -2,8 +2,8 @@
 // itself, so there is nothing to allocate or release.
 #include <cstdint>
 
-#include "runtime/class_table.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/values.h>
 
 ZEL_EXPORT void IntClass_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, nullptr); }
 

@@ -4,10 +4,10 @@
 #include <iterator>
 #include <list>
 
-#include "runtime/class_table.h"
-#include "runtime/memory.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/memory.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 using ObjectList = std::list<ZelObject*>;
 

@@ -3,10 +3,10 @@
 // match by value and other objects by identity; each node holds a reference.
 #include <map>
 
-#include "classes/Node.h"
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/node.h>
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 using NodeMap = std::map<CNode, CNode>;
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "runtime/class_table.h"
+#include <zel/class_table.h>
 
 // Arithmetic done here in plain doubles (SSE) rather than in the x87's wider
 // registers, so that results do not depend on what the optimiser keeps in

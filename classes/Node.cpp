@@ -1,15 +1,15 @@
-#include "classes/Node.h"
+#include <zel/node.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 
-#include "runtime/loader.h"
-#include "runtime/memory.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
-#include "support/mstring.h"
-#include "support/textfuncs.h"
+#include <zel/loader.h>
+#include <zel/memory.h>
+#include <zel/services.h>
+#include <zel/values.h>
+#include <zel/mstring.h>
+#include <zel/textfuncs.h>
 
 namespace {
 

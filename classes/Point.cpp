@@ -2,7 +2,7 @@
 // class that persists: its two integers go to a stream, x first.
 #include "classes/geometry.h"
 #include "classes/value_object.h"
-#include "runtime/stream_calls.h"
+#include <zel/stream_calls.h>
 
 ZEL_EXPORT PointState* _Point_GetData(ZelObject* obj) { return zel::StateOf<PointState>(obj); }
 

@@ -8,9 +8,9 @@
 #include <cwchar>
 #include <string>
 
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 namespace {
 

@@ -3,8 +3,8 @@
 // none released.
 #include <deque>
 
-#include "runtime/class_table.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/values.h>
 
 using ObjectDeque = std::deque<ZelObject*>;
 

@@ -5,9 +5,9 @@
 #include <new>
 #include <string>
 
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 using zel::TextChars;
 

@@ -1,14 +1,14 @@
 // Conversions between the runtime's basic values. Byte sets hold values in
 // memory order (little-endian); texts are UTF-32.
-#include "classes/converters.h"
+#include <zel/converters.h>
 
 #include <climits>
 #include <cstring>
 #include <cwchar>
 
-#include "runtime/memory.h"
-#include "runtime/values.h"
-#include "support/textfuncs.h"
+#include <zel/memory.h>
+#include <zel/values.h>
+#include <zel/textfuncs.h>
 
 ZEL_API unsigned char* MStringToMBin(wchar_t* text) { return MCloneZelBin(text, mystrlen(text) * int(sizeof(wchar_t))); }
 

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 struct PointState {
     int x, y;

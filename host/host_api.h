@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 #define ZELHOST_API __attribute__((visibility("default")))
 

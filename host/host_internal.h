@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/host_api.h"
-#include "runtime/services.h"
+#include <zel/services.h>
 
 extern "C" ZELHOST_API tagTBaseTypeInfo g_info_SystemObject;
 

@@ -1,6 +1,6 @@
 // 工具.文件接口: the interface of the library's file classes.
 #include "io/FileInterface.h"
-#include "runtime/class_table.h"
+#include <zel/class_table.h>
 
 using namespace zel;
 

@@ -5,9 +5,9 @@
 
 #include "io/BinaryFile.h"
 #include "io/File.h"
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 enum FileType { kNoSignatureUtf8 = 5, kUtf8 = 4, kBigEndian = 3, kLittleEndian = 2, kUnknown = 1 };
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "runtime/memory.h"
-#include "support/textfuncs.h"
+#include <zel/memory.h>
+#include <zel/textfuncs.h>
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include <cstdio>
 
-#include "support/mstring.h"
+#include <zel/mstring.h>
 
 // Open modes: 2 "wb", 3 "ab", 4 "rb+", 5 "wb+", 6 "ab+", anything else "rb".
 class ZEL_API CFile {

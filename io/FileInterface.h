@@ -3,7 +3,7 @@
 // functions, so names, parameters and descriptions stay the same everywhere.
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 enum FileMemberSlot {
     kFileRead,          // 读

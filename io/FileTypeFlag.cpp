@@ -3,7 +3,7 @@
 // type "_i" (with the element flag 0x80000000 like every element item) whose
 // value is kept in the first reserved word of its item (byte 28), members
 // listed from the highest value down.
-#include "runtime/class_table.h"
+#include <zel/class_table.h>
 
 using namespace zel;
 

@@ -8,10 +8,10 @@
 #include <new>
 
 #include "io/FileInterface.h"
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
-#include "support/minimem.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
+#include <zel/minimem.h>
 
 struct MemoryFile {
     CMiniMem bytes;

@@ -5,9 +5,9 @@
 #include <cstring>
 #include <string>
 
-#include "runtime/memory.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/memory.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 CMemoryStream::CMemoryStream() { Init(); }
 

@@ -10,7 +10,7 @@
 
 #include <cstring>
 
-#include "support/minimem.h"
+#include <zel/minimem.h>
 
 class ZEL_API CMemoryStream : public CMiniMem {
 public:

@@ -2,9 +2,9 @@
 // hidden word, served through the system's stream interfaces 系统.输入流 and
 // 系统.输出流 (six slots each, the stream object first).
 #include "io/MemoryStream.h"
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 ZEL_EXPORT CMemoryStream* _MemoryStream_GetData(ZelObject* obj) {
     return obj ? static_cast<CMemoryStream*>(GetDataItemData(obj, 1, 0)) : nullptr;

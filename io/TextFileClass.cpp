@@ -5,9 +5,9 @@
 
 #include "io/File.h"
 #include "io/FileInterface.h"
-#include "runtime/class_table.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 static const int kLevel = 3;
 

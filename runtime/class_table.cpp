@@ -1,6 +1,6 @@
-#include "runtime/class_table.h"
+#include <zel/class_table.h>
 
-#include "support/textfuncs.h"
+#include <zel/textfuncs.h>
 
 namespace zel {
 

@@ -1,10 +1,10 @@
-#include "runtime/errors.h"
+#include <zel/errors.h>
 
 #include <cstdlib>
 #include <cwchar>
 
-#include "runtime/services.h"
-#include "support/mstring.h"
+#include <zel/services.h>
+#include <zel/mstring.h>
 
 // "%s" in our formats is a wide string, which the C library spells "%S":
 // swap the two, looking only at the character right after each '%'. The

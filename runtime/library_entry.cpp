@@ -1,9 +1,9 @@
 // The library record, the runtime's hand-over, and the descriptor queries.
-#include "runtime/loader.h"
-#include "runtime/registry.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
-#include "support/textfuncs.h"
+#include <zel/loader.h>
+#include <zel/registry.h>
+#include <zel/services.h>
+#include <zel/values.h>
+#include <zel/textfuncs.h>
 
 ZelObject* g_pRuntimeObject = nullptr;
 tagTBaseTypeInfo* g_pRuntimeClassInfo = nullptr;

@@ -1,10 +1,10 @@
-#include "runtime/loader.h"
+#include <zel/loader.h>
 
 #include <cstdlib>
 
-#include "runtime/os.h"
-#include "support/mstring.h"
-#include "support/textfuncs.h"
+#include <zel/os.h>
+#include <zel/mstring.h>
+#include <zel/textfuncs.h>
 
 void GetZelLibSearchPaths(CMStringArray& paths) {
     CMString all(std::getenv("ZELCLS_PATHS"));

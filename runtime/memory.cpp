@@ -1,14 +1,14 @@
-#include "runtime/memory.h"
+#include <zel/memory.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
 
-#include "runtime/errors.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
-#include "support/minimem.h"
+#include <zel/errors.h>
+#include <zel/services.h>
+#include <zel/values.h>
+#include <zel/minimem.h>
 
 // ---- allocation ------------------------------------------------------------
 

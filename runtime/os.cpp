@@ -1,4 +1,4 @@
-#include "runtime/os.h"
+#include <zel/os.h>
 
 #include <dlfcn.h>
 #include <sys/time.h>
@@ -9,10 +9,10 @@
 #include <cstring>
 #include <cwchar>
 
-#include "runtime/errors.h"
-#include "runtime/memory.h"
-#include "support/minimem.h"
-#include "support/mstring.h"
+#include <zel/errors.h>
+#include <zel/memory.h>
+#include <zel/minimem.h>
+#include <zel/mstring.h>
 
 namespace {
 unsigned int NowMilliseconds() {

@@ -1,6 +1,6 @@
-#include "runtime/registry.h"
+#include <zel/registry.h>
 
-#include "support/hashkv.h"
+#include <zel/hashkv.h>
 
 // Zero until the first registration, whatever the order of module initialisers.
 CText2PtrHashmap* CBaseTypeInfoRecorder::sm_pBaseTypeInfoTable = nullptr;

@@ -1,7 +1,7 @@
-#include "runtime/services.h"
+#include <zel/services.h>
 
-#include "runtime/memory.h"
-#include "runtime/values.h"
+#include <zel/memory.h>
+#include <zel/values.h>
 
 namespace zel {
 

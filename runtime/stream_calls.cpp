@@ -1,6 +1,6 @@
-#include "runtime/stream_calls.h"
+#include <zel/stream_calls.h>
 
-#include "support/textfuncs.h"
+#include <zel/textfuncs.h>
 
 namespace zel {
 

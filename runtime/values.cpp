@@ -1,10 +1,10 @@
-#include "runtime/values.h"
+#include <zel/values.h>
 
 #include <cstring>
 
-#include "runtime/services.h"
-#include "support/mstring.h"
-#include "support/textfuncs.h"
+#include <zel/services.h>
+#include <zel/mstring.h>
+#include <zel/textfuncs.h>
 
 ZelEmptyConst g_EmptyConst = {44, nullptr, nullptr, nullptr, {0}, {0, 0, 0}, {0, 1, 0}};
 wchar_t* zelTrueLiteral = const_cast<wchar_t*>(L"真");

@@ -1,4 +1,4 @@
-#include "support/hashkv.h"
+#include <zel/hashkv.h>
 
 #include <climits>
 #include <cstdint>
@@ -7,8 +7,8 @@
 #include <mutex>
 #include <new>
 
-#include "runtime/memory.h"
-#include "support/textfuncs.h"
+#include <zel/memory.h>
+#include <zel/textfuncs.h>
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "support/minimem.h"
+#include <zel/minimem.h>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -9,9 +9,9 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "runtime/memory.h"
-#include "runtime/values.h"
-#include "support/textfuncs.h"
+#include <zel/memory.h>
+#include <zel/values.h>
+#include <zel/textfuncs.h>
 
 namespace {
 

@@ -1,14 +1,14 @@
-#include "support/mstring.h"
+#include <zel/mstring.h>
 
-#include "runtime/errors.h"
+#include <zel/errors.h>
 
 #include <cwchar>
 #include <cwctype>
 #include <string>
 
-#include "runtime/memory.h"
-#include "runtime/values.h"
-#include "support/textfuncs.h"
+#include <zel/memory.h>
+#include <zel/values.h>
+#include <zel/textfuncs.h>
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "support/ptrlist.h"
+#include <zel/ptrlist.h>
 
 static bool SamePointer(void* a, void* b) { return a == b; }
 

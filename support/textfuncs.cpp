@@ -1,4 +1,4 @@
-#include "support/textfuncs.h"
+#include <zel/textfuncs.h>
 
 #include <algorithm>
 #include <charconv>
@@ -6,9 +6,9 @@
 #include <cwctype>
 #include <string>
 
-#include "runtime/memory.h"
-#include "support/minimem.h"
-#include "support/mstring.h"
+#include <zel/memory.h>
+#include <zel/minimem.h>
+#include <zel/mstring.h>
 
 namespace {
 

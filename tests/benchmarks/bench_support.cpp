@@ -8,8 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "support/hashkv.h"
-#include "support/minimem.h"
+#include <zel/hashkv.h>
+#include <zel/minimem.h>
 
 namespace {
 

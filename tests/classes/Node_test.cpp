@@ -1,6 +1,6 @@
 // Wrapped keys are covered end to end by tests/scripts/containers_map.zs; these pin the raw
 // values, the odd orders kept on purpose and the references a node holds.
-#include "classes/Node.h"
+#include <zel/node.h>
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 
 #include "common/test_object.h"
 #include "common/counting_runtime.h"
-#include "runtime/class_table.h"
+#include <zel/class_table.h>
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include "common/test_object.h"
 #include "common/counting_runtime.h"
-#include "runtime/class_table.h"
+#include <zel/class_table.h>
 
 using ObjectDeque = std::deque<ZelObject*>;
 extern "C" {

@@ -1,11 +1,11 @@
-#include "classes/converters.h"
+#include <zel/converters.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "runtime/memory.h"
-#include "runtime/values.h"
+#include <zel/memory.h>
+#include <zel/values.h>
 
 namespace {
 std::wstring Take(wchar_t* text) {

@@ -1,8 +1,8 @@
 // Runtime values a unit test makes or is handed, freed when they go.
 #pragma once
 
-#include "runtime/memory.h"
-#include "runtime/values.h"
+#include <zel/memory.h>
+#include <zel/values.h>
 
 // A text argument made by the test.
 struct Text {

@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
-#include "runtime/loader.h"
-#include "runtime/memory.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/loader.h>
+#include <zel/memory.h>
+#include <zel/services.h>
+#include <zel/values.h>
 
 class CountingRuntime {
 public:

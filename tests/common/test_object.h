@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class TestObject {
 public:

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "fixture_records.h"
-#include "runtime/services.h"
+#include <zel/services.h>
 
 using namespace fixture;
 

@@ -6,7 +6,7 @@
 #include <cwchar>
 #include <iterator>
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 namespace fixture {
 

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "host/host_api.h"
-#include "runtime/services.h"
+#include <zel/services.h>
 
 using namespace zelhost;
 

@@ -7,8 +7,8 @@
 #include "common/test_object.h"
 #include "io/File.h"
 #include "io_test_util.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
+#include <zel/services.h>
+#include <zel/values.h>
 
 extern "C" {
 extern tagTBaseTypeInfo g_info_File, g_info_TextFile, g_info_BinaryFile, g_info_MemoryFile;

@@ -9,7 +9,7 @@
 #include <iterator>
 #include <string>
 
-#include "runtime/memory.h"
+#include <zel/memory.h>
 
 class TempDir {
 public:

@@ -3,12 +3,12 @@
 #include <set>
 
 #include "common/counting_runtime.h"
-#include "runtime/class_table.h"
-#include "runtime/errors.h"
-#include "runtime/loader.h"
-#include "runtime/services.h"
-#include "runtime/values.h"
-#include "support/textfuncs.h"
+#include <zel/class_table.h>
+#include <zel/errors.h>
+#include <zel/loader.h>
+#include <zel/services.h>
+#include <zel/values.h>
+#include <zel/textfuncs.h>
 
 using namespace zel;
 

@@ -7,10 +7,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "runtime/errors.h"
-#include "runtime/loader.h"
-#include "runtime/os.h"
-#include "support/mstring.h"
+#include <zel/errors.h>
+#include <zel/loader.h>
+#include <zel/os.h>
+#include <zel/mstring.h>
 
 namespace {
 wchar_t* W(const wchar_t* s) { return const_cast<wchar_t*>(s); }

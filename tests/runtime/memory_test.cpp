@@ -3,10 +3,10 @@
 #include <cstring>
 
 #include "common/counting_runtime.h"
-#include "runtime/errors.h"
-#include "runtime/memory.h"
-#include "runtime/values.h"
-#include "support/minimem.h"
+#include <zel/errors.h>
+#include <zel/memory.h>
+#include <zel/values.h>
+#include <zel/minimem.h>
 
 TEST(Memory, ConstantsAreNeverFreedAndReallocCopiesThem) {
     zel_free(zel::EmptyText());  // must not crash or free

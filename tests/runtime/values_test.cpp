@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "runtime/values.h"
-#include "support/mstring.h"
-#include "support/textfuncs.h"
+#include <zel/values.h>
+#include <zel/mstring.h>
+#include <zel/textfuncs.h>
 
 namespace {
 wchar_t* W(const wchar_t* s) { return const_cast<wchar_t*>(s); }

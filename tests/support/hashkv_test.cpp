@@ -4,8 +4,8 @@
 #include <set>
 #include <vector>
 
-#include "runtime/memory.h"
-#include "support/hashkv.h"
+#include <zel/memory.h>
+#include <zel/hashkv.h>
 
 namespace {
 

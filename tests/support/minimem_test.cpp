@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "runtime/memory.h"
-#include "support/minimem.h"
+#include <zel/memory.h>
+#include <zel/minimem.h>
 
 namespace {
 

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "runtime/memory.h"
-#include "runtime/values.h"
-#include "support/mstring.h"
-#include "support/textfuncs.h"
+#include <zel/memory.h>
+#include <zel/values.h>
+#include <zel/mstring.h>
+#include <zel/textfuncs.h>
 
 TEST(MString, EditsFromItsOwnTextAndBounds) {
     CMString s;

@@ -1,4 +1,4 @@
-#include "support/ptrlist.h"
+#include <zel/ptrlist.h>
 
 #include <gtest/gtest.h>
 

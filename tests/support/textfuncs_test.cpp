@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "support/minimem.h"
-#include "support/mstring.h"
-#include "support/textfuncs.h"
+#include <zel/minimem.h>
+#include <zel/mstring.h>
+#include <zel/textfuncs.h>
 
 namespace {
 

@@ -2,7 +2,7 @@
 // ZelText, ZelBin, ZelArray, and the type codes of type strings.
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class CMString;
 

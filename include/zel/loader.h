@@ -1,7 +1,7 @@
 // Loading the system class library and reaching the runtime through it.
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class CMString;
 class CMStringArray;

@@ -3,7 +3,7 @@
 // method item, called by its index with no object argument (cdecl).
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 enum ZelRuntimeService {
     ZEL_RT_LOCK = 0,             // void ()

@@ -7,7 +7,7 @@
 
 #include <cstddef>
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class ZEL_API PtrList {
 public:

@@ -4,7 +4,7 @@
 // holds one reference on the object for as long as it holds the copy.
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class ZEL_API CNode {
 public:

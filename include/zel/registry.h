@@ -1,7 +1,7 @@
 // The table of this library's class records, keyed by class name.
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class CText2PtrHashmap;
 

@@ -6,7 +6,7 @@
 
 #include <pthread.h>
 
-#include "support/minimem.h"
+#include <zel/minimem.h>
 
 // Hands out fixed-size cells from blocks of 100; freed cells are reused
 // last in, first out.

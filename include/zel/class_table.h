@@ -15,7 +15,7 @@
 
 #include <cstddef>
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 namespace zel {
 
@@ -150,7 +150,7 @@ tagTInterfaceInfo* PrepareInterfaceRecord(tagTInterfaceInfo* record);
 
 }  // namespace zel
 
-#include "runtime/registry.h"
+#include <zel/registry.h>
 
 #define ZEL_REGISTER_CLASS(record) \
     static CBaseTypeInfoRecorder record##_recorder(zel::PrepareClassRecord(&record))

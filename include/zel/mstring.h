@@ -5,7 +5,7 @@
 
 #include <cstdarg>
 
-#include "support/minimem.h"
+#include <zel/minimem.h>
 
 class ZEL_API CMString {
 public:

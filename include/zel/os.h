@@ -1,7 +1,7 @@
 // The thin platform layer.
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class CMString;
 

@@ -3,7 +3,7 @@
 // belongs to the caller (zel_free).
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 ZEL_API unsigned char* MStringToMBin(wchar_t* text);
 ZEL_API unsigned char* MDoubleToMBin(double value);

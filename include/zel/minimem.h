@@ -9,7 +9,7 @@
 
 #include <cstring>
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class ZEL_API CMiniMem {
 public:

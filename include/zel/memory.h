@@ -1,7 +1,7 @@
 // Runtime-visible memory, the owning wrappers of runtime handles, and clones.
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class CMiniMem;
 

@@ -3,7 +3,7 @@
 // its class record lists (slot functions take the stream object first).
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 namespace zel {
 // Slot `slot` (1-based) of the named interface, searched along the object's

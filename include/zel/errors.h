@@ -4,7 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 ZEL_API int wprintf_linux(wchar_t* fmt, ...);
 ZEL_API int vwprintf_linux(wchar_t* fmt, va_list args);

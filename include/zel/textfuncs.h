@@ -2,7 +2,7 @@
 // the conversions and parsers the library shares. A null text reads as empty.
 #pragma once
 
-#include "runtime/zel_types.h"
+#include <zel/zel_types.h>
 
 class CMiniMem;
 class CMString;
