@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cctype>
 #include <climits>
+#include <cmath>
 #include <cwctype>
 #include <string>
 
@@ -183,11 +185,48 @@ int myatoi(const wchar_t* s) {
     return static_cast<int>(std::clamp<long long>(value, INT_MIN, INT_MAX));
 }
 
-// '.' is the decimal point whatever the locale says.
+namespace {
+
+// Digits, '.' and an exponent only: "inf", "nan" and hex text read as 0.
+bool StartsDecimal(const std::string& text) {
+    size_t i = !text.empty() && text[0] == '-';
+    return i < text.size() && (std::isdigit(static_cast<unsigned char>(text[i])) || text[i] == '.');
+}
+
+// A number out of range lies past the largest double or below the smallest;
+// where its first significant digit sits, plus the exponent, tells which.
+bool Overflows(const char* begin, const char* end) {
+    const char* p = begin + (*begin == '-');
+    long long position = 0;
+    bool significant = false;
+    for (; p < end && *p != '.' && *p != 'e' && *p != 'E'; ++p)
+        if (significant || *p != '0') significant = true, ++position;
+    if (!significant && p < end && *p == '.')
+        for (++p; p < end && *p == '0'; ++p) --position;
+    while (p < end && *p != 'e' && *p != 'E') ++p;
+    long long exponent = 0;
+    if (p < end) {
+        bool negative = *++p == '-';
+        p += *p == '-' || *p == '+';
+        for (; p < end && exponent < 100000000; ++p) exponent = exponent * 10 + (*p - '0');
+        if (negative) exponent = -exponent;
+    }
+    return position + exponent > 0;
+}
+
+}  // namespace
+
+// '.' is the decimal point whatever the locale says. Past the range of a
+// double the result is ±infinity, below it ±0, as strtod gives.
 double myatof(const wchar_t* s) {
     std::string text = AsciiNumber(s);
+    if (!StartsDecimal(text)) return 0.0;
     double value = 0;
     auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc::result_out_of_range) {
+        double magnitude = Overflows(text.data(), end) ? HUGE_VAL : 0.0;
+        return text[0] == '-' ? -magnitude : magnitude;
+    }
     return error == std::errc() ? value : 0.0;
 }
 
