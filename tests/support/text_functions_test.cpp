@@ -3,9 +3,6 @@
 // writing to a stream.
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -13,6 +10,8 @@
 #include <zel/errors.h>
 #include <zel/mstring.h>
 #include <zel/textfuncs.h>
+
+#include "common/child_process.h"
 
 TEST(TextFunctions, MyatofSaturatesToInfinityAndZeroLikeStrtod) {
     EXPECT_EQ(myatof(L"1e999"), HUGE_VAL);
@@ -82,26 +81,8 @@ TEST(TextFunctions, PrintFamilyWritesWideStringsForPercentS) {
     EXPECT_STREQ(line, L"工具=7");
     std::fclose(out);
 
-    // wprintf_linux makes standard output wide: run it in a child whose
-    // standard output is a file, so this process keeps its own.
-    FILE* captured = std::tmpfile();
-    ASSERT_NE(captured, nullptr);
-    pid_t child = fork();
-    if (child == 0) {
-        // Reopening also clears the narrow orientation the test's output gave it.
-        std::fflush(stdout);
-        dup2(fileno(captured), STDOUT_FILENO);
-        if (!std::freopen(nullptr, "w", stdout)) _exit(100);
-        int n = wprintf_linux(const_cast<wchar_t*>(L"[%s]"), L"x");
-        std::fflush(stdout);
-        _exit(n);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 3);
-    char text[8] = {};
-    std::rewind(captured);
-    EXPECT_EQ(std::fread(text, 1, sizeof text - 1, captured), 3u);
-    EXPECT_STREQ(text, "[x]");
-    std::fclose(captured);
+    // wprintf_linux makes standard output wide: it runs in a child.
+    ChildResult child = RunInChild([] { return wprintf_linux(const_cast<wchar_t*>(L"[%s]"), L"x"); });
+    EXPECT_EQ(child.status, 3);
+    EXPECT_EQ(child.out, "[x]");
 }
