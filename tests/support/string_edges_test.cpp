@@ -17,8 +17,11 @@ namespace {
 std::string Bytes(const CMiniMem& m) { return std::string(reinterpret_cast<const char*>(m.GetData()), m.GetSize()); }
 }  // namespace
 
-TEST(StringEdges, CaseSuffixesAndEnds) {
-    CMString s(L"Ab工Cd");
+TEST(StringEdges, CaseTrimSuffixesAndEnds) {
+    CMString s(L" \t\n Ab工Cd \r\n ");
+    s.TrimLeft();  // white space at one side only
+    EXPECT_EQ(s, L"Ab工Cd \r\n ");
+    s.TrimRight();
     s.MakeUpper();
     EXPECT_EQ(s, L"AB工CD");
     s.MakeLower();
@@ -34,6 +37,11 @@ TEST(StringEdges, CaseSuffixesAndEnds) {
     EXPECT_EQ(copy, L"ab工cdab工cd");
     copy.AddChar(0);  // a zero would cut the text: not added
     EXPECT_EQ(copy.GetLength(), 10);
+    CMString blank(L" \t ");
+    blank.TrimRight();
+    CMString empty;
+    empty.TrimLeft();
+    EXPECT_TRUE(blank.IsEmpty() && empty.IsEmpty());
     CMString narrow("abc");
     EXPECT_EQ(narrow, L"abc");
     EXPECT_TRUE(narrow < CMString(L"abd") && narrow != CMString(L"ab"));

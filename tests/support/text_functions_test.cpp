@@ -1,5 +1,5 @@
 // The text functions the rest of the suite does not reach: myatof's range and
-// what it reads, mystrtok's continuation, trimming, and the wide print family
+// what it reads, mystrtok's continuation and the wide print family
 // writing to a stream.
 #include <gtest/gtest.h>
 
@@ -54,21 +54,6 @@ TEST(TextFunctions, StrtokSplitsInPlaceAndContinues) {
     EXPECT_STREQ(mystrtok(nullptr, nullptr), L"b,c d");
     wchar_t blanks[] = L",,,";
     EXPECT_EQ(mystrtok(blanks, L","), nullptr);
-}
-
-TEST(TextFunctions, TrimRemovesWhiteSpaceAtOneSideOnly) {
-    CMString s(L" \t\n a b \r\n ");
-    s.TrimLeft();
-    EXPECT_EQ(s, L"a b \r\n ");
-    s.TrimRight();
-    EXPECT_EQ(s, L"a b");
-    CMString blank(L" \t ");
-    blank.TrimRight();
-    EXPECT_TRUE(blank.IsEmpty());
-    CMString empty;
-    empty.TrimLeft();
-    empty.TrimRight();
-    EXPECT_TRUE(empty.IsEmpty());
 }
 
 TEST(TextFunctions, PrintFamilyWritesWideStringsForPercentS) {
