@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 struct ChildResult {
@@ -31,9 +32,8 @@ ChildResult RunInChild(Body body, const std::string& input = "") {
         if (!std::freopen(nullptr, "r", stdin) || !std::freopen(nullptr, "w", stdout) ||
             !std::freopen(nullptr, "w", stderr))
             _exit(100);
-        int code = body();
-        std::fflush(nullptr);
-        _exit(code);
+        // exit, not _exit: coverage data is written at exit.
+        std::exit(body());
     }
     ChildResult result;
     int status = 0;

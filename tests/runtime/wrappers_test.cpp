@@ -156,3 +156,19 @@ TEST(StreamCalls, OneDirectionStreamsAndOtherObjectsGiveTheSentinels) {
     EXPECT_EQ(zel::StreamReadDouble(input), -1.0);
     EXPECT_EQ(runtime.LiveValues(), 0);
 }
+
+TEST(StreamCalls, AStreamWithoutItsStateReadsSentinelsAndWritesNothing) {
+    CountingRuntime runtime;
+    TestObject stream(&g_info_MemoryStream);  // no Init hook: no CMemoryStream
+    EXPECT_FALSE(zel::StreamWriteInt(stream, 1) || zel::StreamWriteDouble(stream, 1) ||
+                 zel::StreamWriteBool(stream, 1) || zel::StreamWriteText(stream, zel::EmptyText()) ||
+                 zel::StreamWriteBin(stream, zel::EmptyBin()));
+    EXPECT_EQ(zel::StreamReadInt(stream), -1);
+    EXPECT_EQ(zel::StreamReadDouble(stream), -1.0);
+    EXPECT_EQ(zel::StreamReadBool(stream), 0);
+    unsigned char* text = zel::StreamReadText(stream);  // an empty text, not null
+    EXPECT_STREQ(zel::TextChars(text), L"");
+    zel::Release(text);
+    EXPECT_EQ(MGetZelBinLength(zel::StreamReadBin(stream)), 0);
+    EXPECT_EQ(runtime.LiveValues(), 0);
+}
