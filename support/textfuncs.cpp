@@ -4,7 +4,8 @@
 #include <charconv>
 #include <cctype>
 #include <climits>
-#include <cmath>
+#include <clocale>
+#include <cstdlib>
 #include <cwctype>
 #include <string>
 
@@ -193,41 +194,26 @@ bool StartsDecimal(const std::string& text) {
     return i < text.size() && (std::isdigit(static_cast<unsigned char>(text[i])) || text[i] == '.');
 }
 
-// A number out of range lies past the largest double or below the smallest;
-// where its first significant digit sits, plus the exponent, tells which.
-bool Overflows(const char* begin, const char* end) {
-    const char* p = begin + (*begin == '-');
-    long long position = 0;
-    bool significant = false;
-    for (; p < end && *p != '.' && *p != 'e' && *p != 'E'; ++p)
-        if (significant || *p != '0') significant = true, ++position;
-    if (!significant && p < end && *p == '.')
-        for (++p; p < end && *p == '0'; ++p) --position;
-    while (p < end && *p != 'e' && *p != 'E') ++p;
-    long long exponent = 0;
-    if (p < end) {
-        bool negative = *++p == '-';
-        p += *p == '-' || *p == '+';
-        for (; p < end && exponent < 100000000; ++p) exponent = exponent * 10 + (*p - '0');
-        if (negative) exponent = -exponent;
-    }
-    return position + exponent > 0;
+// The "C" locale, made once: '.' is the decimal point whatever the process's locale says.
+locale_t CLocale() {
+    static const locale_t c = newlocale(LC_ALL_MASK, "C", locale_t(0));
+    return c;
 }
 
 }  // namespace
 
-// '.' is the decimal point whatever the locale says. Past the range of a
-// double the result is ±infinity, below it ±0, as strtod gives.
+// std::from_chars finds where the decimal number ends; strtod converts it,
+// correctly rounded (from_chars is not on x87, where its fast path rounds
+// twice) and ±infinity past the range of a double, ±0 below it.
 double myatof(const wchar_t* s) {
     std::string text = AsciiNumber(s);
     if (!StartsDecimal(text)) return 0.0;
-    double value = 0;
-    auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error == std::errc::result_out_of_range) {
-        double magnitude = Overflows(text.data(), end) ? HUGE_VAL : 0.0;
-        return text[0] == '-' ? -magnitude : magnitude;
-    }
-    return error == std::errc() ? value : 0.0;
+    double ignored = 0;
+    const char* end = std::from_chars(text.data(), text.data() + text.size(), ignored).ptr;
+    if (end == text.data()) return 0.0;
+    text.resize(end - text.data());
+    locale_t c = CLocale();
+    return c ? strtod_l(text.c_str(), nullptr, c) : 0.0;
 }
 
 unsigned int GetTextHash(const wchar_t* s) {

@@ -25,6 +25,8 @@ TEST(TextFunctions, MyatofSaturatesToInfinityAndZeroLikeStrtod) {
     EXPECT_EQ(myatof((L"1" + std::wstring(400, L'0') + L"e-800").c_str()), 0.0);
     // Zero digits never overflow, whatever the exponent.
     EXPECT_EQ(myatof(L"0e99999"), 0.0);
+    // Correctly rounded also where a product in extended precision would round twice.
+    EXPECT_EQ(myatof(L"92222228E18"), 92222228E18);
     // The extremes that still fit are exact.
     EXPECT_EQ(myatof(L"1.7976931348623157e308"), 1.7976931348623157e308);
     EXPECT_EQ(myatof(L"4.9406564584124654e-324"), 4.9406564584124654e-324);
