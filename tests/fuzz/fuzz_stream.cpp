@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <iterator>
 
+#include <zel/memory.h>
 #include <zel/registry.h>
 #include <zel/services.h>
 #include <zel/values.h>
@@ -82,7 +83,7 @@ void Reads(CMemoryStream& stream, FuzzInput& ops) {
                 int n = static_cast<int>(ops.Word());
                 unsigned char* bin = stream.Read(n);
                 if (n < 0) FUZZ_CHECK(!bin && stream.GetPosition() == before);
-                zel::Release(bin);
+                zel_free(bin);  // a block of its own, not a runtime value
                 break;
             }
             default: stream.IsDataValid(static_cast<int>(ops.Word())); break;
