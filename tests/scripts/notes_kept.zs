@@ -11,6 +11,14 @@ print t.取读写位置()
 t = null
 b = new 工具.二进制文件流
 print b.读入文件("notes_kept.txt", 1)
+# In a wide encoding it writes one byte per non-zero word from word 1 on,
+# from byte 4 of the block: here 2 bytes, 01 00, behind the 2-byte signature
+# place of a new file.
+t = new 工具.文本文件
+print t.打开("notes_kept.txt", 5, 0)
+print t.写(x"616263")
+t = null
+print b.读入文件("notes_kept.txt", 1)
 
 # 删除 with the count n - p removes n units at p.
 s = new 工具.文本类
