@@ -529,7 +529,8 @@ void InheritedMembers(std::ostream& out, Library* lib, ClassInfo* c) {
 }
 }  // namespace
 
-int DocLibrary(Library* lib, std::ostream& out, std::ostream& err) {
+int DocLibrary(Library* lib, std::ostream& target, std::ostream& err) {
+    std::ostringstream out;
     ZelLibInfo* li = lib->info;
     std::vector<tagTBaseTypeInfo*> recs = SortedRecords(lib);
     std::string libName = U(li->name);
@@ -576,6 +577,9 @@ int DocLibrary(Library* lib, std::ostream& out, std::ostream& err) {
         InheritedMembers(out, lib, c);
         if (const char* notes = ClassNotes(libName, rn); notes && *notes) out << "### Behaviour\n\n" << notes << "\n";
     }
+    std::string text = out.str();
+    while (text.ends_with("\n\n")) text.pop_back();  // one newline ends the file
+    target << text;
     (void)err;
     return 0;
 }
