@@ -14,6 +14,7 @@ constexpr int kLongLine = 120;  // characters of a source line shown whole
 // Terminal cells of a character: East Asian wide and full-width forms take two.
 int CellWidth(wchar_t c) {
     unsigned u = static_cast<unsigned>(c);
+    if (u == 0xFEFF || u == 0x200B) return 0;  // byte order mark, zero-width space
     bool wide = (u >= 0x1100 && u <= 0x115F) || (u >= 0x2E80 && u <= 0xA4CF && u != 0x303F) ||
                 (u >= 0xAC00 && u <= 0xD7A3) || (u >= 0xF900 && u <= 0xFAFF) || (u >= 0xFE30 && u <= 0xFE4F) ||
                 (u >= 0xFF00 && u <= 0xFF60) || (u >= 0xFFE0 && u <= 0xFFE6) || (u >= 0x20000 && u <= 0x3FFFD);

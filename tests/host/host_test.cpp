@@ -245,6 +245,20 @@ TEST(Script, BadLinesNameTheirColumnAndStopTheRun) {
     }
 }
 
+// Text that is not UTF-8 (overlong, surrogate, cut short) is refused whole,
+// before its first line runs; look-alike punctuation is fine inside literals.
+TEST(Script, RefusesTextThatIsNotUtf8) {
+    for (const char* bad : {"\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE4\xB8"}) {
+        ScriptRun r = RunText(std::string("print 1\nprint \"") + bad + "\"\n");
+        EXPECT_EQ(r.status, 1) << r.err;
+        EXPECT_EQ(r.out, "");
+        ExpectAll(r.err, {"t.zs:2:8: error: not valid UTF-8: byte 0x", " at byte 8 of the line"});
+    }
+    ScriptRun ok = RunText("\xEF\xBB\xBFprint \"（，）“”\"\n");
+    EXPECT_EQ(ok.status, 0) << ok.err;
+    EXPECT_EQ(ok.out, "\"（，）“”\"\n");
+}
+
 // Parentheses, arguments and member chains nest 200 deep at most; deeper
 // lines are refused before anything runs instead of exhausting the stack.
 TEST(Script, NestingHasALimit) {
