@@ -9,10 +9,7 @@ namespace zelhost {
 
 using namespace script;
 
-namespace {
-
-// 系统 and every class library found in the search folders.
-std::vector<std::wstring> Namespaces() {
+std::vector<std::wstring> script::Namespaces() {
     std::vector<std::wstring> out{L"系统"};
     for (const std::string& dir : SearchPaths()) {
         std::error_code ec;
@@ -23,6 +20,8 @@ std::vector<std::wstring> Namespaces() {
     }
     return out;
 }
+
+namespace {
 
 // Classes of the library that owns `prefix` ("工具" or "工具.文本类").
 void AddClasses(const std::wstring& prefix, std::vector<std::wstring>& out) {

@@ -1,5 +1,7 @@
 // Scripts, part two: evaluating expressions: literals, variables, new objects,
 // static and object method calls, property reads and writes.
+#include <algorithm>
+
 #include "host/script_internal.h"
 
 namespace zelhost::script {
@@ -19,10 +21,17 @@ std::vector<std::wstring> MemberNames(ClassInfo* cls, bool propertiesOnly) {
 
 namespace {
 
-// FindClass's message, with the closest class of the namespace's library when it has one.
+// FindClass's message, with the closest class of the namespace's library, or
+// the closest library when there is none.
 std::string ClassError(const std::wstring& name, const std::string& err) {
     Library* lib = LibraryForClass(name, nullptr);
-    if (!lib || lib->Find(name)) return err;
+    if (!lib) {
+        std::wstring rest = name.substr(std::min(name.find(L'.'), name.size()));
+        std::vector<std::wstring> names;
+        for (const std::wstring& ns : Namespaces()) names.push_back(ns + rest);
+        return err + DidYouMean(name, names);
+    }
+    if (lib->Find(name)) return err;
     std::vector<std::wstring> names;
     for (tagTBaseTypeInfo* rec : lib->Records())
         if (rec && rec->name) names.push_back(rec->name);

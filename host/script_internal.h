@@ -70,6 +70,8 @@ std::string Trim(const std::wstring& line);
 // ------------------------------------------------------------ evaluation
 // The member names of a class and its bases; properties only when `propertiesOnly`.
 std::vector<std::wstring> MemberNames(ClassInfo* cls, bool propertiesOnly);
+// 系统 and the name of every class library found in the search folders.
+std::vector<std::wstring> Namespaces();
 
 struct Interp {
     std::map<std::wstring, Value> vars;
