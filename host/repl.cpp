@@ -21,6 +21,8 @@ struct Editline {
     void* handle = nullptr;
     char* (*readline)(const char*) = nullptr;
     int (*add_history)(const char*) = nullptr;
+    int (*read_history)(const char*) = nullptr;
+    int (*write_history)(const char*) = nullptr;
     Generator* completionEntry = nullptr;  // rl_completion_entry_function
     const char** wordBreaks = nullptr;     // rl_basic_word_break_characters
     int* appendCharacter = nullptr;        // rl_completion_append_character
@@ -30,6 +32,8 @@ struct Editline {
         if (!handle) return false;
         readline = reinterpret_cast<char* (*)(const char*)>(dlsym(handle, "readline"));
         add_history = reinterpret_cast<int (*)(const char*)>(dlsym(handle, "add_history"));
+        read_history = reinterpret_cast<int (*)(const char*)>(dlsym(handle, "read_history"));
+        write_history = reinterpret_cast<int (*)(const char*)>(dlsym(handle, "write_history"));
         completionEntry = static_cast<Generator*>(dlsym(handle, "rl_completion_entry_function"));
         wordBreaks = static_cast<const char**>(dlsym(handle, "rl_basic_word_break_characters"));
         appendCharacter = static_cast<int*>(dlsym(handle, "rl_completion_append_character"));
@@ -66,7 +70,17 @@ public:
         if (editline_.wordBreaks) *editline_.wordBreaks = " \t\"(),=";
         if (editline_.appendCharacter) *editline_.appendCharacter = 0;
         editing_ = true;
+        const char* home = std::getenv("HOME");
+        if (home && *home) historyFile_ = std::string(home) + "/.ncl_history";
+        if (!historyFile_.empty() && editline_.read_history) editline_.read_history(historyFile_.c_str());
     }
+    ~LineReader() {
+        // The history of earlier sessions, kept when the home folder allows.
+        if (editing_ && !historyFile_.empty() && editline_.write_history)
+            editline_.write_history(historyFile_.c_str());
+    }
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
     bool terminal() const { return terminal_; }
     bool editing() const { return editing_; }
 
@@ -87,6 +101,7 @@ private:
     bool terminal_;
     bool editing_ = false;
     Editline editline_;
+    std::string historyFile_;
 };
 
 const char kHelp[] =

@@ -1,6 +1,7 @@
 // Scripts, part two: evaluating expressions: literals, variables, new objects,
 // static and object method calls, property reads and writes.
 #include <algorithm>
+#include <cstdlib>
 
 #include "host/script_internal.h"
 
@@ -36,6 +37,18 @@ std::string ClassError(const std::wstring& name, const std::string& err) {
     for (tagTBaseTypeInfo* rec : lib->Records())
         if (rec && rec->name) names.push_back(rec->name);
     return err + DidYouMean(name, names);
+}
+
+// A call refused for one of its arguments ("…: argument 2 (名): expected 整数,
+// got 文本") points at that argument.
+void PointAtArgument(ScriptError& x, const Expr& call) {
+    static const char kTag[] = ": argument ";
+    size_t at = x.message.find(kTag);
+    if (x.raised || at == std::string::npos) return;
+    int k = std::atoi(x.message.c_str() + at + sizeof kTag - 1);
+    if (k < 1 || size_t(k) > call.args.size()) return;
+    x.col = call.args[size_t(k) - 1]->col;
+    x.width = call.args[size_t(k) - 1]->width;
 }
 
 }  // namespace
@@ -187,6 +200,7 @@ Value Interp::Eval(const Expr& e) {
     try {
         return EvalNode(e);
     } catch (ScriptError& x) {
+        if (x.col < 0 && e.kind == Expr::Member && e.call) PointAtArgument(x, e);
         if (x.col < 0) {
             x.col = e.col;
             x.width = e.width;

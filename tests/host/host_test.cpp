@@ -225,7 +225,7 @@ TEST(Script, BadLinesNameTheirColumnAndStopTheRun) {
         {"d = new 测试.计数", "t.zs:2:9: error: unknown class 测试.计数 (not in 测试); did you mean 测试.计数器?\n"
                              "    d = new 测试.计数\n            ^~~~~~~~~\n"},
         {"c.没有()", "t.zs:2:3: error: unknown method 测试.计数器.没有\n"},
-        {"c.加(\"x\")", "t.zs:2:3: error: 测试.计数器.加: argument 1 (增量): expected 整数, got 文本"},
+        {"c.加(\"x\")", "t.zs:2:5: error: 测试.计数器.加: argument 1 (增量): expected 整数, got 文本"},
         {"c.加(1, 2, 3)", "t.zs:2:3: error: 测试.计数器.加 takes 1 or 2 arguments, got 3"},
         {"expect c.值 == 1", "t.zs:2:8: error: expect failed: expect c.值 == 1 (left 0, right 1)\n"
                             "    expect c.值 == 1\n           ^~~~~~~~~\n"},
@@ -235,7 +235,7 @@ TEST(Script, BadLinesNameTheirColumnAndStopTheRun) {
         {"print 测试.计数器.静态家(1, 2)", "t.zs:2:14: error: unknown method 测试.计数器.静态家; did you mean 静态加?\n"},
         {"print c.加(1).值", "t.zs:2:9: error: not an object: 1\n"},
         {"e = new 没有.类", "t.zs:2:9: error: no class library 没有.ncl in ZELCLS_PATHS; searched " ZEL_FIXTURE_DIR "/\n"},
-        {"c.相同(new 测试.文件)", "t.zs:2:3: error: 测试.计数器.相同: argument 1 (另一个): 测试.文件 is not a 测试.计数器"},
+        {"c.相同(new 测试.文件)", "t.zs:2:10: error: 测试.计数器.相同: argument 1 (另一个): 测试.文件 is not a 测试.计数器"},
     };
     for (auto& [line, message] : cases) {
         ScriptRun r = RunText(std::string("c = new 测试.计数器\n") + line + "\nprint 1\n", true);
