@@ -117,7 +117,8 @@ const char kHelp[] =
     "  :show CLASS                the class's elements, properties and methods\n"
     "  :audit                     drop every variable, then report leaks and bad releases\n"
     "  :quit                      leave (so does end of input)\n"
-    "Tab completes variables, class names, and the members of a variable's class.\n";
+    "On a terminal with libedit, Tab completes variables, class names and the members of a\n"
+    "variable's class, and the arrow keys recall earlier lines (kept in ~/.ncl_history).\n";
 
 // Drops the variables and audits; the findings go to err.
 std::vector<zelhost::Finding> EndSession(zelhost::ScriptSession& session, std::ostream& err) {

@@ -320,6 +320,12 @@ Statement Parse(const std::wstring& line) {
             st.exprs.push_back(std::move(e));
             st.exprs.push_back(p.Postfix());
         } else {
+            // A bare name followed by more text is a misspelt statement word: "prnt 1".
+            if (e->kind == Expr::Var && p.Peek().type != T::End && p.Peek().type != T::Op) {
+                std::string hint = DidYouMean(e->text, {L"print", L"expect", L"load"});
+                if (!hint.empty())
+                    Fail("unknown statement " + ToUtf8(e->text) + hint, size_t(e->col), size_t(e->width));
+            }
             st.kind = StmtKind::Eval;
             st.exprs.push_back(std::move(e));
         }
