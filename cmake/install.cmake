@@ -22,6 +22,7 @@ write_basic_package_version_file(${zel_config_dir}/zelConfigVersion.cmake
 configure_file(cmake/zel.pc.in ${zel_config_dir}/zel.pc @ONLY)
 install(FILES ${zel_config_dir}/zelConfig.cmake ${zel_config_dir}/zelConfigVersion.cmake
   DESTINATION lib/cmake/zel)
+install(FILES host/run_script_test.cmake DESTINATION lib/cmake/zel RENAME zelRunScript.cmake)
 install(FILES ${zel_config_dir}/zel.pc DESTINATION lib/pkgconfig)
 
 install(FILES README.md LICENSE DESTINATION share/doc/zel)

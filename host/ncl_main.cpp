@@ -12,7 +12,10 @@
 #include <streambuf>
 #include <string>
 
+#include <zel/version.h>
+
 #include "host/host_api.h"
+#include "host/new_project.h"
 
 namespace {
 
@@ -91,17 +94,18 @@ int Usage(std::ostream& err) {
     return 2;
 }
 
-// When ZELCLS_PATHS is unset, the directory of 系统.ncl stands in for it, so
-// that a library's own loader finds this host.
+// The directory of 系统.ncl is searched after those of ZELCLS_PATHS (or alone
+// when it is unset), so that ncl and the libraries' own loaders find the
+// libraries installed or built beside it.
 void DefaultSearchPath() {
-    const char* env = std::getenv("ZELCLS_PATHS");
-    if (env && *env) return;
     Dl_info info{};
     if (!dladdr(reinterpret_cast<void*>(&ZelInitSysLib), &info) || !info.dli_fname) return;
     std::string p = info.dli_fname;
     size_t slash = p.rfind('/');
-    std::string dir = slash == std::string::npos ? "." : p.substr(0, slash);
-    setenv("ZELCLS_PATHS", dir.c_str(), 1);
+    std::string paths = slash == std::string::npos ? "." : p.substr(0, slash);
+    const char* env = std::getenv("ZELCLS_PATHS");
+    if (env && *env) paths = std::string(env) + "," + paths;
+    setenv("ZELCLS_PATHS", paths.c_str(), 1);
 }
 
 zelhost::Library* Open(const std::string& arg, std::ostream& err) {
@@ -160,6 +164,11 @@ int main(int argc, char** argv) {
         zelhost::Library* lib = Open(argv[2], err);
         if (!lib) return 2;
         status = zelhost::ShowClass(lib, zelhost::FromUtf8(argv[3]), out, err);
+    } else if (cmd == "new") {
+        if (argc != 4) return Usage(err);
+        status = ncl::NewProject(argv[2], argv[3], out, err);
+    } else if (cmd == "--version") {
+        out << "ncl " << ZEL_VERSION_STRING << "\n";
     } else {
         return Usage(err);
     }
