@@ -1,8 +1,13 @@
 // ncl check: conformance findings on a class library's descriptors.
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <ostream>
 #include <set>
+#include <utility>
+#include <vector>
 
 #include "host/host_internal.h"
 
@@ -29,10 +34,73 @@ bool IsSetter(const tagMethodItem& m) {
     return (m.flags & 1) && m.paramCount == 1 && (!m.returnType || !*m.returnType);
 }
 
+// A type string names a basic type ("_i" ...), an array of one ("@_i"), or a
+// class or interface of a loaded library (or one found by its namespace);
+// types joined by ',' are each checked.
+bool KnownType(Library* lib, const std::wstring& type) {
+    static const std::set<std::wstring> basic = {L"_i", L"_db", L"_b", L"_s", L"_bn"};
+    if (type.find(L',') != std::wstring::npos) {
+        size_t from = 0;
+        for (size_t comma; (comma = type.find(L',', from)) != std::wstring::npos; from = comma + 1)
+            if (!KnownType(lib, type.substr(from, comma - from))) return false;
+        return KnownType(lib, type.substr(from));
+    }
+    std::wstring pure = type.size() > 1 && type[0] == L'@' ? type.substr(1) : type;
+    if (pure.empty() || pure[0] == L'@') return false;
+    if (pure[0] == L'_') return basic.count(pure) > 0;
+    std::string ignored;
+    return lib->Find(pure) || FindClass(pure, &ignored);
+}
+
+// Case-blind equal, or equal but for one letter left out or added: Init and
+// init, Free and Fre. (A letter changed is not counted: Close is not Clone.)
+bool NearlySame(std::string a, std::string b) {
+    for (std::string* s : {&a, &b})
+        for (char& c : *s) c = char(std::tolower(static_cast<unsigned char>(c)));
+    if (a == b) return true;
+    if (a.size() < b.size()) std::swap(a, b);
+    if (a.size() != b.size() + 1) return false;
+    size_t i = 0;
+    while (i < b.size() && a[i] == b[i]) ++i;
+    return a.compare(i + 1, std::string::npos, b, i, std::string::npos) == 0;
+}
+
+std::string ParamTypes(const tagMethodItem& m) {
+    std::string s;
+    for (int p = 0; p < m.paramCount && m.params; ++p) s += (p ? "," : "") + U(m.params[p].type);
+    return s;
+}
+
+// The stem of a library's file: 示例 for /x/示例.ncl.
+std::string FileStem(const std::string& path) {
+    std::string name = path.substr(path.rfind('/') + 1);
+    return name.size() > 4 && name.compare(name.size() - 4, 4, ".ncl") == 0 ? name.substr(0, name.size() - 4) : name;
+}
+
+// Exports of the form <Record>_<Hook> that the runtime will never call: a hook
+// name misspelt (Counter_init, Counter_Fre) or a hook of no record.
+void CheckHookNames(Library* lib, const std::map<std::string, std::string>& classOfRecord,
+                    std::vector<std::string>& findings) {
+    for (const std::string& e : lib->exports) {
+        size_t cut = e.rfind('_');
+        if (cut == std::string::npos || cut == 0 || e[0] == '_') continue;
+        std::string record = e.substr(0, cut), hook = e.substr(cut + 1);
+        for (int h = 0; h < HOOK_COUNT; ++h) {
+            if (hook == HookName(h)) {
+                if (!classOfRecord.count(record))
+                    findings.push_back("library: export " + e + " is a hook of no class record " + record);
+            } else if (classOfRecord.count(record) && NearlySame(hook, HookName(h))) {
+                findings.push_back(classOfRecord.at(record) + ": export " + e + " looks like the hook " + record +
+                                   "_" + HookName(h) + " misspelt; the runtime never calls it");
+            }
+        }
+    }
+}
+
 }  // namespace
 
 int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
-    std::vector<std::string> findings;
+    std::vector<std::string> findings, warnings;
     auto find = [&](const std::string& s) { findings.push_back(s); };
     ZelLibInfo* li = lib->info;
     std::string libName = U(li->name);
@@ -48,8 +116,16 @@ int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
     if (int(recs.size()) != declared)
         find("library: enumerate counts " + std::to_string(declared) + " records but hands out " +
              std::to_string(recs.size()));
+    if (std::none_of(recs.begin(), recs.end(), [](tagTBaseTypeInfo* r) { return r && !IsInterface(r); }))
+        find("library: no class registered");
+    if (!libName.empty() && FileStem(lib->path) != libName)
+        find("library: name " + libName + " does not match the file " + FileStem(lib->path) + ".ncl");
     std::set<std::string> hookNames;
+    std::map<std::string, std::string> classOfRecord;
     for (int h = 0; h < HOOK_COUNT; ++h) hookNames.insert(HookName(h));
+    auto checkType = [&](const std::string& where, const wchar_t* type) {
+        if (type && *type && !KnownType(lib, type)) find(where + ": unknown type \"" + U(type) + "\"");
+    };
 
     auto checkItems = [&](const std::string& cname, tagMethodItem* ms, int n, ClassInfo* c, bool needFunction) {
         if (n < 0) { find(cname + ": method count " + std::to_string(n) + " is negative"); return; }
@@ -57,6 +133,12 @@ int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
         for (int k = 0; k < n; ++k) {
             const tagMethodItem& m = ms[k];
             std::string w = cname + ": method #" + std::to_string(k + 1) + " " + U(m.name);
+            checkType(w + ": return", m.returnType);
+            for (int j = 0; j < k; ++j) {
+                if (!m.name || !ms[j].name || wcscmp(m.name, ms[j].name) || ParamTypes(m) != ParamTypes(ms[j])) continue;
+                find(w + "(" + ParamTypes(m) + "): same signature as method #" + std::to_string(j + 1));
+                break;
+            }
             if (!m.name || !*m.name) find(w + ": empty name");
             if (m.nameHash != TextHash(m.name))
                 find(w + ": name hash " + Hex(m.nameHash) + " != " + Hex(TextHash(m.name)));
@@ -69,6 +151,7 @@ int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
                 const tagParamItem& pi = m.params[p];
                 std::string pw = w + ": parameter " + std::to_string(p + 1) + " " + U(pi.name);
                 if (!pi.type || !*pi.type) find(pw + ": no type");
+                checkType(pw, pi.type);
                 if (pi.nameHash != TextHash(pi.name))
                     find(pw + ": name hash " + Hex(pi.nameHash) + " != " + Hex(TextHash(pi.name)));
                 if (pi.typeHash != TextHash(pi.type))
@@ -103,7 +186,10 @@ int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
         if (r->nameHash != TextHash(r->name))
             find(cname + ": name hash " + Hex(r->nameHash) + " != " + Hex(TextHash(r->name)));
         if (r->name && lib->Find(r->name) != r) find(cname + ": find callback does not return this record");
+        if (r->name && !libName.empty() && U(r->name).rfind(libName + ".", 0) != 0)
+            find(cname + ": outside the library's namespace " + libName);
         std::string rn = lib->RecordName(r);
+        if (!rn.empty()) classOfRecord[rn] = cname;
         if (rn.empty()) find(cname + ": no g_info_<Record> export names this record (hooks cannot be found)");
         if (r->kind != ZEL_KIND_CLASS && r->kind != ZEL_KIND_INTERFACE)
             find(cname + ": kind " + std::to_string(r->kind) + " is neither 1 (class) nor 2 (interface)");
@@ -148,12 +234,15 @@ int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
             const tagElementItem& el = r->elements[i];
             std::string w = cname + ": element " + std::to_string(i + 1) + " " + U(el.name);
             if (!el.type || !*el.type) find(w + ": no type");
+            checkType(w, el.type);
             if (el.nameHash != TextHash(el.name))
                 find(w + ": name hash " + Hex(el.nameHash) + " != " + Hex(TextHash(el.name)));
             if (el.typeHash != TextHash(el.type))
                 find(w + ": type hash " + Hex(el.typeHash) + " != " + Hex(TextHash(el.type)));
         }
         checkItems(cname, r->methods, r->methodCount, c, true);
+        if (c && c->hooks[HOOK_FREE] && !c->hooks[HOOK_INIT])
+            warnings.push_back(cname + ": hook " + rn + "_Free without " + rn + "_Init (Free may see state it never made)");
         // Hooks the library exports for this record must resolve.
         if (!rn.empty() && !lib->isHost) {
             for (const std::string& e : lib->exports) {
@@ -164,9 +253,13 @@ int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
             }
         }
     }
+    if (!lib->isHost) CheckHookNames(lib, classOfRecord, findings);
     for (const std::string& f : findings) out << f << "\n";
+    for (const std::string& w : warnings) out << "warning: " << w << "\n";
     if (findings.empty()) {
-        out << "ok: " << libName << ", " << recs.size() << " records, no findings\n";
+        out << "ok: " << libName << ", " << recs.size() << " records, no findings";
+        if (!warnings.empty()) out << ", " << warnings.size() << " warning" << (warnings.size() == 1 ? "" : "s");
+        out << "\n";
         return 0;
     }
     err << findings.size() << " finding" << (findings.size() == 1 ? "" : "s") << " in " << lib->path << "\n";
