@@ -126,6 +126,14 @@ int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
     auto checkType = [&](const std::string& where, const wchar_t* type) {
         if (type && *type && !KnownType(lib, type)) find(where + ": unknown type \"" + U(type) + "\"");
     };
+    // Parameter and element items: a name and a type, each with its hash.
+    auto checkTyped = [&](const std::string& w, const wchar_t* name, unsigned nameHash, const wchar_t* type,
+                          unsigned typeHash) {
+        if (!type || !*type) find(w + ": no type");
+        checkType(w, type);
+        if (nameHash != TextHash(name)) find(w + ": name hash " + Hex(nameHash) + " != " + Hex(TextHash(name)));
+        if (typeHash != TextHash(type)) find(w + ": type hash " + Hex(typeHash) + " != " + Hex(TextHash(type)));
+    };
 
     auto checkItems = [&](const std::string& cname, tagMethodItem* ms, int n, ClassInfo* c, bool needFunction) {
         if (n < 0) { find(cname + ": method count " + std::to_string(n) + " is negative"); return; }
@@ -149,13 +157,8 @@ int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
             if (m.paramCount > 0 && !m.params) find(w + ": parameters but no parameter table");
             for (int p = 0; p < m.paramCount && m.params; ++p) {
                 const tagParamItem& pi = m.params[p];
-                std::string pw = w + ": parameter " + std::to_string(p + 1) + " " + U(pi.name);
-                if (!pi.type || !*pi.type) find(pw + ": no type");
-                checkType(pw, pi.type);
-                if (pi.nameHash != TextHash(pi.name))
-                    find(pw + ": name hash " + Hex(pi.nameHash) + " != " + Hex(TextHash(pi.name)));
-                if (pi.typeHash != TextHash(pi.type))
-                    find(pw + ": type hash " + Hex(pi.typeHash) + " != " + Hex(TextHash(pi.type)));
+                checkTyped(w + ": parameter " + std::to_string(p + 1) + " " + U(pi.name), pi.name, pi.nameHash,
+                           pi.type, pi.typeHash);
             }
             if (m.flags & 1) {
                 if (!IsGetter(m) && !IsSetter(m))
@@ -232,13 +235,8 @@ int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
         if (r->elementCount > 0 && !r->elements) find(cname + ": elements but no element table");
         for (int i = 0; i < r->elementCount && r->elements; ++i) {
             const tagElementItem& el = r->elements[i];
-            std::string w = cname + ": element " + std::to_string(i + 1) + " " + U(el.name);
-            if (!el.type || !*el.type) find(w + ": no type");
-            checkType(w, el.type);
-            if (el.nameHash != TextHash(el.name))
-                find(w + ": name hash " + Hex(el.nameHash) + " != " + Hex(TextHash(el.name)));
-            if (el.typeHash != TextHash(el.type))
-                find(w + ": type hash " + Hex(el.typeHash) + " != " + Hex(TextHash(el.type)));
+            checkTyped(cname + ": element " + std::to_string(i + 1) + " " + U(el.name), el.name, el.nameHash,
+                       el.type, el.typeHash);
         }
         checkItems(cname, r->methods, r->methodCount, c, true);
         if (c && c->hooks[HOOK_FREE] && !c->hooks[HOOK_INIT])

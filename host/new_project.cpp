@@ -138,6 +138,11 @@ int NewProject(const std::string& nameSpace, const std::string& dir, std::ostrea
         err << "ncl new: \"" << nameSpace << "\" is not a namespace (letters, digits and '_', no leading digit)\n";
         return 1;
     }
+    // A library of one of these names would hide the host or 工具 beside ncl.
+    if (nameSpace == "系统" || nameSpace == "工具") {
+        err << "ncl new: " << nameSpace << " is the namespace of a library that comes with ncl\n";
+        return 1;
+    }
     std::error_code ec;
     fs::path root(dir);
     if (fs::exists(root, ec) && !(fs::is_directory(root, ec) && fs::is_empty(root, ec))) {
