@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -149,7 +150,6 @@ Library* HostLibrary() {
 std::vector<std::string> SearchPaths() {
     std::vector<std::string> out;
     const char* env = std::getenv("ZELCLS_PATHS");
-    if (!env) return out;
     std::string cur;
     auto flush = [&] {
         if (!cur.empty()) {
@@ -158,13 +158,18 @@ std::vector<std::string> SearchPaths() {
         }
         cur.clear();
     };
-    for (const char* p = env; *p; ++p) {
+    for (const char* p = env ? env : ""; *p; ++p) {
         if (*p == ',' || *p == ';')
             flush();
         else
             cur += *p;
     }
     flush();
+    // The folder of 系统.ncl comes last: a build folder, or the installed
+    // lib/zel, holds 工具.ncl beside it.
+    std::string host = HostPath();
+    cur = host.substr(0, host.rfind('/') + 1);
+    if (!cur.empty() && std::find(out.begin(), out.end(), cur) == out.end()) out.push_back(cur);
     return out;
 }
 

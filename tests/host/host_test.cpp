@@ -299,3 +299,19 @@ TEST(Describe, CheckFindsDescriptorFaults) {
                           "坏.类: method #2 无函数: no function and no bound export",
                           "坏.类: method #3 错哈希: name hash 0x00003039", "坏.类: element count is negative"});
 }
+
+namespace {
+// The folder of 系统.ncl (the build folder here) follows those of ZELCLS_PATHS,
+// once, so a library beside the host is found without any setting.
+TEST(Paths, HostFolderComesLastAndOnce) {
+    std::string host = SearchPaths().back();
+    ASSERT_FALSE(host.empty());
+    EXPECT_EQ(host.back(), '/');
+    setenv("ZELCLS_PATHS", ("/nowhere;" + host + ",/elsewhere/").c_str(), 1);
+    EXPECT_EQ(SearchPaths(), (std::vector<std::string>{"/nowhere/", host, "/elsewhere/"}));
+    unsetenv("ZELCLS_PATHS");
+    EXPECT_EQ(SearchPaths(), std::vector<std::string>{host});
+    setenv("ZELCLS_PATHS", ZEL_FIXTURE_DIR, 1);
+    EXPECT_EQ(SearchPaths(), (std::vector<std::string>{std::string(ZEL_FIXTURE_DIR) + "/", host}));
+}
+}  // namespace
