@@ -14,6 +14,8 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <string>
+#include <utility>
 
 #include "host/host_internal.h"
 
@@ -149,27 +151,25 @@ Library* HostLibrary() {
 
 std::vector<std::string> SearchPaths() {
     std::vector<std::string> out;
+    // Each folder once, with a trailing slash.
+    auto add = [&](std::string dir) {
+        if (dir.empty()) return;
+        if (dir.back() != '/') dir += '/';
+        if (std::find(out.begin(), out.end(), dir) == out.end()) out.push_back(dir);
+    };
     const char* env = std::getenv("ZELCLS_PATHS");
     std::string cur;
-    auto flush = [&] {
-        if (!cur.empty()) {
-            if (cur.back() != '/') cur += '/';
-            out.push_back(cur);
-        }
-        cur.clear();
-    };
     for (const char* p = env ? env : ""; *p; ++p) {
         if (*p == ',' || *p == ';')
-            flush();
+            add(std::exchange(cur, std::string()));
         else
             cur += *p;
     }
-    flush();
+    add(cur);
     // The folder of 系统.ncl comes last: a build folder, or the installed
     // lib/zel, holds 工具.ncl beside it.
     std::string host = HostPath();
-    cur = host.substr(0, host.rfind('/') + 1);
-    if (!cur.empty() && std::find(out.begin(), out.end(), cur) == out.end()) out.push_back(cur);
+    add(host.substr(0, host.rfind('/') + 1));
     return out;
 }
 
