@@ -9,30 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "host/host_internal.h"
+#include "host/record_view.h"
 
 namespace zelhost {
 namespace {
-
-std::string U(const wchar_t* s) { return ToUtf8(s); }
-
-std::string Hex(unsigned v) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "0x%08x", v);
-    return buf;
-}
-
-bool IsInterface(const tagTBaseTypeInfo* r) { return r->kind == ZEL_KIND_INTERFACE; }
-const tagTInterfaceInfo* AsInterface(const tagTBaseTypeInfo* r) {
-    return reinterpret_cast<const tagTInterfaceInfo*>(r);
-}
-
-bool IsGetter(const tagMethodItem& m) {
-    return (m.flags & 1) && m.paramCount == 0 && m.returnType && *m.returnType;
-}
-bool IsSetter(const tagMethodItem& m) {
-    return (m.flags & 1) && m.paramCount == 1 && (!m.returnType || !*m.returnType);
-}
 
 // A type string names a basic type ("_i" ...), an array of one ("@_i"), or a
 // class or interface of a loaded library (or one found by its namespace);

@@ -7,7 +7,7 @@
 #include <set>
 #include <sstream>
 
-#include "host/host_internal.h"
+#include "host/record_view.h"
 
 namespace zelhost {
 
@@ -17,28 +17,11 @@ const char* ClassNotes(const std::string& library, const std::string& record);
 
 namespace {
 
-std::string U(const wchar_t* s) { return ToUtf8(s); }
-
-std::string Hex(unsigned v) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "0x%08x", v);
-    return buf;
-}
-
 std::string Number(double d) {
     char buf[32];
     std::snprintf(buf, sizeof buf, "%g", d);
     return buf;
 }
-
-bool IsInterface(const tagTBaseTypeInfo* r) { return r->kind == ZEL_KIND_INTERFACE; }
-const tagTInterfaceInfo* AsInterface(const tagTBaseTypeInfo* r) {
-    return reinterpret_cast<const tagTInterfaceInfo*>(r);
-}
-
-int MethodCount(const tagTBaseTypeInfo* r) { return IsInterface(r) ? AsInterface(r)->methodCount : r->methodCount; }
-tagMethodItem* Methods(const tagTBaseTypeInfo* r) { return IsInterface(r) ? AsInterface(r)->methods : r->methods; }
-const wchar_t* BaseName(const tagTBaseTypeInfo* r) { return IsInterface(r) ? AsInterface(r)->baseName : r->baseName; }
 
 std::vector<tagTBaseTypeInfo*> SortedRecords(Library* lib) {
     std::vector<tagTBaseTypeInfo*> recs = lib->Records();
@@ -62,13 +45,6 @@ std::string Flags(unsigned f) {
     if (other) add(("other " + Hex(other)).c_str());
     if (s.empty()) s = "method";
     return s;
-}
-
-bool IsGetter(const tagMethodItem& m) {
-    return (m.flags & 1) && m.paramCount == 0 && m.returnType && *m.returnType;
-}
-bool IsSetter(const tagMethodItem& m) {
-    return (m.flags & 1) && m.paramCount == 1 && (!m.returnType || !*m.returnType);
 }
 
 std::string Signature(const tagMethodItem& m) {
