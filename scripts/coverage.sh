@@ -8,14 +8,17 @@ cd "$(dirname "$0")/.."
 bash scripts/setup.sh coverage
 jobs=${COVERAGE_JOBS:-2}
 
+# A fresh build: the notes of objects no longer built would stop gcovr.
+rm -rf build-coverage
 # -m32 must stay: flags given here replace the ones the project starts with.
 cmake -S . -B build-coverage -DCMAKE_BUILD_TYPE=Debug -DZEL_BENCHMARKS=OFF \
   "-DCMAKE_C_FLAGS=-m32 --coverage" "-DCMAKE_CXX_FLAGS=-m32 --coverage" \
   "-DCMAKE_EXE_LINKER_FLAGS=-m32 --coverage" "-DCMAKE_SHARED_LINKER_FLAGS=-m32 --coverage" \
   "-DCMAKE_MODULE_LINKER_FLAGS=-m32 --coverage" >/dev/null
 cmake --build build-coverage -j"$jobs"
-find build-coverage -name '*.gcda' -delete
-(cd build-coverage && ctest -j"$jobs" --output-on-failure) || echo "coverage: some tests failed; figures follow anyway" >&2
+# The SDK test builds a library outside this build against the installed
+# archive, whose objects here need the coverage runtime: it is left out.
+(cd build-coverage && ctest -j"$jobs" --output-on-failure -E '^sdk[.]') || echo "coverage: some tests failed; figures follow anyway" >&2
 
 gcovr -r . --object-directory build-coverage -j "$jobs" \
   --exclude-throw-branches --exclude-unreachable-branches \
