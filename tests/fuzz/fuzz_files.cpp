@@ -1,8 +1,6 @@
 // File-type detection and whole-file reads on arbitrary contents: the type
 // follows the signature, else whether the text up to its first zero byte is
 // UTF-8 (iconv's opinion); a read gives the bytes behind the signature.
-#include <iconv.h>
-
 #include <string>
 
 #include <zel/minimem.h>
@@ -11,6 +9,7 @@
 
 #include "common/counting_runtime.h"
 #include "common/test_object.h"
+#include "fuzz_iconv.h"
 #include "fuzz_input.h"
 #include "fuzz_temp_file.h"
 
@@ -24,15 +23,8 @@ int BinaryFile_GetFileType(ZelObject*, unsigned char* name);
 namespace {
 
 bool IconvTakesUtf8(const std::string& text) {
-    iconv_t cd = iconv_open("UTF-32LE", "UTF-8");
-    FUZZ_CHECK(cd != reinterpret_cast<iconv_t>(-1));
-    std::string out(text.size() * 4 + 4, '\0');
-    char* src = const_cast<char*>(text.data());
-    char* dst = out.data();
-    size_t srcLeft = text.size(), dstLeft = out.size();
-    bool ok = iconv(cd, &src, &srcLeft, &dst, &dstLeft) != static_cast<size_t>(-1) && srcLeft == 0;
-    iconv_close(cd);
-    return ok;
+    std::string ignored;
+    return Iconv("UTF-32LE", "UTF-8", text, ignored);
 }
 
 int ExpectedType(const std::string& bytes) {

@@ -1,30 +1,14 @@
 // UTF-8 <-> UTF-32 both ways, against iconv(3): where iconv accepts the input
 // the library must give the same text; where it does not, the library still
 // gives scalar values (U+FFFD for what is malformed) and stops at the terminator.
-#include <iconv.h>
-
 #include <string>
 
 #include <zel/minimem.h>
 #include <zel/textfuncs.h>
 
-#include "fuzz_input.h"
+#include "fuzz_iconv.h"
 
 namespace {
-
-// Converts with iconv; false when iconv rejects the input.
-bool Iconv(const char* to, const char* from, const std::string& in, std::string& out) {
-    iconv_t cd = iconv_open(to, from);
-    FUZZ_CHECK(cd != reinterpret_cast<iconv_t>(-1));
-    out.assign(in.size() * 4 + 16, '\0');
-    char* src = const_cast<char*>(in.data());
-    char* dst = out.data();
-    size_t srcLeft = in.size(), dstLeft = out.size();
-    bool ok = iconv(cd, &src, &srcLeft, &dst, &dstLeft) != static_cast<size_t>(-1) && srcLeft == 0;
-    iconv_close(cd);
-    out.resize(out.size() - dstLeft);
-    return ok;
-}
 
 bool IsScalar(wchar_t c) {
     auto u = static_cast<uint32_t>(c);
