@@ -276,9 +276,32 @@ int hashkv_IsTextEquals(void* a, void* b) {
 CPtr2PtrHashmap::CPtr2PtrHashmap(int n) : HashKV(n) {}
 CPtr2PtrHashmap::~CPtr2PtrHashmap() = default;
 
-CText2PtrHashmap::CText2PtrHashmap(int n) : HashKV(n) {
-    SetFunctions(hashkv_GetTextHashValue, hashkv_IsTextEquals);
+namespace {
+// The text map spreads its keys with FNV-1a over the code units and a final
+// avalanche: a plain sum of code units gives identifier-like keys a few
+// hundred distinct values and the chains grow with the square of the count.
+unsigned int TextMapHash(void* key) {
+    unsigned int hash = 2166136261u;
+    for (auto* s = static_cast<const wchar_t*>(key); s && *s; ++s)
+        hash = (hash ^ static_cast<unsigned int>(*s)) * 16777619u;
+    hash ^= hash >> 16;
+    hash *= 0x85EBCA6Bu;
+    hash ^= hash >> 13;
+    return hash;
 }
+
+// Case-sensitive, a null text counting as the empty one.
+int TextMapEquals(void* a, void* b) {
+    auto* x = static_cast<const wchar_t*>(a);
+    auto* y = static_cast<const wchar_t*>(b);
+    if (x == y) return 1;
+    if (!x || !y) return (x ? *x : *y) == 0;
+    while (*x == *y && *x) ++x, ++y;
+    return *x == *y;
+}
+}  // namespace
+
+CText2PtrHashmap::CText2PtrHashmap(int n) : HashKV(n) { SetFunctions(TextMapHash, TextMapEquals); }
 CText2PtrHashmap::~CText2PtrHashmap() = default;
 
 namespace ZelThread {
