@@ -50,7 +50,7 @@ unsigned char* CMemoryStream::GetCurrentPtr() {
 
 // A negative count is never valid data.
 int CMemoryStream::IsDataValid(int n) {
-    return n >= 0 && m_position >= 0 && int64_t(m_position) + n <= m_size ? 1 : 0;
+    return n >= 0 && m_position >= 0 && n <= m_size - m_position ? 1 : 0;  // no overflow: both are >= 0
 }
 
 int CMemoryStream::WriteInt(int v) {

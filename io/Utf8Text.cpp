@@ -1,6 +1,7 @@
 // Streaming UTF-8 legality: ASCII runs are skipped a vector (or a word) at a
-// time; each multibyte sequence is checked whole when it lies in the piece,
-// byte by byte only when it is cut at the piece's end.
+// time; text with multibyte sequences is checked 16 bytes at a time where the
+// processor has SSSE3, else each sequence whole when it lies in the piece;
+// byte by byte only when a sequence is cut at the piece's end.
 #include "io/BinaryFile.h"
 
 #include <cstdint>
@@ -8,6 +9,7 @@
 
 #if defined(__i386__) || defined(__x86_64__)
 #include <emmintrin.h>
+#include <tmmintrin.h>
 #define ZEL_HAVE_SSE2_PATH 1
 #endif
 
@@ -44,6 +46,92 @@ __attribute__((target("sse2"))) const unsigned char* SkipAsciiSse2(const unsigne
     return SkipAsciiWords(s, end);
 }
 #endif
+
+// Whole 16-byte blocks checked together, by the known lookup method: the
+// high and low nibble of each byte and the high nibble of the next one index
+// three tables whose bits name the errors a pair can show; a byte two or
+// three places after a three- or four-byte lead must be a trailing byte.
+using BlockCheck = const unsigned char* (*)(const unsigned char*, const unsigned char*);
+
+#ifdef ZEL_HAVE_SSE2_PATH
+enum : unsigned char {
+    kTooShort = 1 << 0,   // a lead not followed by a trailing byte
+    kTooLong = 1 << 1,    // ASCII followed by a trailing byte
+    kOverlong3 = 1 << 2,  // E0 80..9F
+    kTooLarge = 1 << 3,   // F4 90..BF, F5..FF
+    kSurrogate = 1 << 4,  // ED A0..BF
+    kOverlong2 = 1 << 5,  // C0, C1
+    kTooLarge1000 = 1 << 6,
+    kOverlong4 = 1 << 6,  // F0 80..8F
+    kTwoConts = 1 << 7,   // a trailing byte after a trailing byte
+    kCarry = kTooShort | kTooLong | kTwoConts,
+};
+
+__attribute__((target("ssse3"))) inline __m128i Lookup(__m128i nibbles, const unsigned char (&table)[16]) {
+    return _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(table)), nibbles);
+}
+
+// From s while whole blocks without a zero byte remain: where it stopped (at
+// the start of any sequence cut there), or null when the text is illegal.
+__attribute__((target("ssse3"))) const unsigned char* CheckBlocksSsse3(const unsigned char* s,
+                                                                       const unsigned char* end) {
+    alignas(16) static const unsigned char kFirstHigh[16] = {
+        kTooLong, kTooLong, kTooLong, kTooLong, kTooLong, kTooLong, kTooLong, kTooLong,
+        kTwoConts, kTwoConts, kTwoConts, kTwoConts,
+        kTooShort | kOverlong2, kTooShort, kTooShort | kOverlong3 | kSurrogate,
+        kTooShort | kTooLarge | kTooLarge1000 | kOverlong4};
+    alignas(16) static const unsigned char kFirstLow[16] = {
+        kCarry | kOverlong3 | kOverlong2 | kOverlong4, kCarry | kOverlong2, kCarry, kCarry,
+        kCarry | kTooLarge, kCarry | kTooLarge | kTooLarge1000, kCarry | kTooLarge | kTooLarge1000,
+        kCarry | kTooLarge | kTooLarge1000, kCarry | kTooLarge | kTooLarge1000, kCarry | kTooLarge | kTooLarge1000,
+        kCarry | kTooLarge | kTooLarge1000, kCarry | kTooLarge | kTooLarge1000, kCarry | kTooLarge | kTooLarge1000,
+        kCarry | kTooLarge | kTooLarge1000 | kSurrogate, kCarry | kTooLarge | kTooLarge1000,
+        kCarry | kTooLarge | kTooLarge1000};
+    alignas(16) static const unsigned char kSecondHigh[16] = {
+        kTooShort, kTooShort, kTooShort, kTooShort, kTooShort, kTooShort, kTooShort, kTooShort,
+        kTooLong | kOverlong2 | kTwoConts | kOverlong3 | kTooLarge1000 | kOverlong4,
+        kTooLong | kOverlong2 | kTwoConts | kOverlong3 | kTooLarge,
+        kTooLong | kOverlong2 | kTwoConts | kSurrogate | kTooLarge,
+        kTooLong | kOverlong2 | kTwoConts | kSurrogate | kTooLarge,
+        kTooShort, kTooShort, kTooShort, kTooShort};
+    const __m128i zero = _mm_setzero_si128(), lowNibble = _mm_set1_epi8(0x0F);
+    const __m128i third = _mm_set1_epi8(char(0xE0 - 0x80)), fourth = _mm_set1_epi8(char(0xF0 - 0x80));
+    const unsigned char* start = s;
+    __m128i previous = zero;
+    for (; end - s >= 16; s += 16) {
+        __m128i input = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s));
+        if (_mm_movemask_epi8(_mm_cmpeq_epi8(input, zero))) break;  // the byte path ends the text
+        __m128i prev1 = _mm_alignr_epi8(input, previous, 15);
+        __m128i special = _mm_and_si128(
+            _mm_and_si128(Lookup(_mm_and_si128(_mm_srli_epi16(prev1, 4), lowNibble), kFirstHigh),
+                          Lookup(_mm_and_si128(prev1, lowNibble), kFirstLow)),
+            Lookup(_mm_and_si128(_mm_srli_epi16(input, 4), lowNibble), kSecondHigh));
+        __m128i prev2 = _mm_alignr_epi8(input, previous, 14), prev3 = _mm_alignr_epi8(input, previous, 13);
+        __m128i mustTrail = _mm_or_si128(_mm_subs_epu8(prev2, third), _mm_subs_epu8(prev3, fourth));
+        __m128i error = _mm_xor_si128(_mm_and_si128(mustTrail, _mm_set1_epi8(char(0x80))), special);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi8(error, zero)) != 0xFFFF) return nullptr;
+        previous = input;
+    }
+    // A sequence cut at s is taken up again by the byte path.
+    for (int back = 1; back <= 3 && s - back >= start; ++back) {
+        unsigned char byte = s[-back];
+        if ((byte & 0xC0) == 0x80) continue;
+        int length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+        if (length > back) s -= back;
+        break;
+    }
+    return s;
+}
+#endif
+
+BlockCheck ChooseBlockCheck() {
+#ifdef ZEL_HAVE_SSE2_PATH
+    if (__builtin_cpu_supports("ssse3")) return CheckBlocksSsse3;
+#endif
+    return nullptr;
+}
+
+const BlockCheck g_checkBlocks = ChooseBlockCheck();
 
 AsciiSkip ChooseAsciiSkip() {
 #ifdef ZEL_HAVE_SSE2_PATH
@@ -104,6 +192,14 @@ bool Utf8TextCheck::Feed(const unsigned char* s, size_t n) {
             if (*s == 0) return Stop(true);
             s = g_skipAscii(s, end);
             continue;
+        }
+        if (g_checkBlocks && end - s >= 64) {
+            const unsigned char* next = g_checkBlocks(s, end);
+            if (!next) return Stop(false);
+            if (next != s) {
+                s = next;
+                continue;
+            }
         }
         int need;
         unsigned char low, high;

@@ -277,16 +277,27 @@ CPtr2PtrHashmap::CPtr2PtrHashmap(int n) : HashKV(n) {}
 CPtr2PtrHashmap::~CPtr2PtrHashmap() = default;
 
 namespace {
-// The text map spreads its keys with FNV-1a over the code units and a final
+// The text map spreads its keys by a polynomial over the code units, taken
+// in two interleaved lanes so the multiplications overlap, and a final
 // avalanche: a plain sum of code units gives identifier-like keys a few
 // hundred distinct values and the chains grow with the square of the count.
 unsigned int TextMapHash(void* key) {
-    unsigned int hash = 2166136261u;
-    for (auto* s = static_cast<const wchar_t*>(key); s && *s; ++s)
-        hash = (hash ^ static_cast<unsigned int>(*s)) * 16777619u;
+    const unsigned int kOdd = 0x01000193u, kSquare = kOdd * kOdd;
+    auto* s = static_cast<const wchar_t*>(key);
+    unsigned int even = 0x811C9DC5u, odd = 0x9E3779B9u;
+    if (s) {
+        for (; s[0] && s[1]; s += 2) {
+            even = (even + static_cast<unsigned int>(s[0])) * kSquare;
+            odd = (odd + static_cast<unsigned int>(s[1])) * kSquare;
+        }
+        if (s[0]) even = (even + static_cast<unsigned int>(s[0])) * kOdd;
+    }
+    unsigned int hash = even ^ (odd * kOdd);
     hash ^= hash >> 16;
     hash *= 0x85EBCA6Bu;
     hash ^= hash >> 13;
+    hash *= 0xC2B2AE35u;
+    hash ^= hash >> 16;
     return hash;
 }
 

@@ -1,6 +1,7 @@
 #include <zel/minimem.h>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -55,6 +56,14 @@ void CopyOrZero(unsigned char* dst, const void* src, int n) {
         std::memset(dst, 0, n);
 }
 
+// The capacity a buffer shows grows by its granule; the block beneath grows
+// by half again, so a buffer filled a little at a time is moved a
+// logarithmic number of times instead of once per granule.
+int Reserve(int capacity) {
+    long long reserve = capacity + std::min(capacity / 2, 64 << 20);
+    return reserve > INT_MAX ? capacity : static_cast<int>(reserve);
+}
+
 class FileCloser {
 public:
     explicit FileCloser(FILE* f) : m_file(f) {}
@@ -107,7 +116,12 @@ unsigned char* CMiniMem::Realloc(int n) {
     }
     int capacity = RoundedCapacity(n, granule);
     if (!capacity) return nullptr;
-    auto* data = static_cast<unsigned char*>(zel_realloc(m_data, capacity));
+    if (capacity > m_capacity && size_t(capacity) <= malloc_usable_size(m_data)) {
+        m_capacity = capacity;
+        m_size = n;
+        return m_data;
+    }
+    auto* data = static_cast<unsigned char*>(zel_realloc(m_data, capacity > m_capacity ? Reserve(capacity) : capacity));
     if (!data) return nullptr;
     m_data = data;
     m_capacity = capacity;

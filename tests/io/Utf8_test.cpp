@@ -115,6 +115,23 @@ TEST(Utf8Legality, PiecesCutAnywhereGiveTheSameAnswer) {
     }
 }
 
+// Long texts go 16 bytes at a time where the processor allows: each sample
+// sits between runs of multibyte text, at every offset in a block.
+TEST(Utf8Legality, LongTextsGiveTheSameAnswer) {
+    std::vector<std::string> corpus = Corpus();
+    corpus.push_back(std::string("\xE4\xB8\xAD\0\xFF", 5));
+    std::string around;
+    while (around.size() < 80) around += "中文 text é";
+    for (size_t i = 0; i < corpus.size(); i += corpus[i].size() > 6 ? 5 : 1) {
+        for (size_t shift = 0; shift < 16; ++shift) {
+            std::string s = std::string(shift, 'a') + around + corpus[i] + around;
+            bool expected = ReferenceText(s);
+            for (size_t piece : {s.size(), size_t(100), 64 + shift})
+                ASSERT_EQ(LegalInPieces(s, piece), expected) << testing::PrintToString(s) << " in pieces of " << piece;
+        }
+    }
+}
+
 // A long ASCII run with one stopping byte at each position: the vector and
 // word paths must find it exactly.
 TEST(Utf8Legality, StopsInsideLongAsciiRuns) {
