@@ -155,6 +155,14 @@ void CMiniMem::xchg(CMiniMem& other) {
 int CMiniMem::Append(void* src, int n) {
     if (n == 0) return 1;
     if (n < 0 || n > INT_MAX - m_size) return 0;
+    if (n <= m_capacity - m_size) {  // room already: the block does not move
+        if (src)
+            std::memmove(m_data + m_size, src, n);
+        else
+            std::memset(m_data + m_size, 0, n);
+        m_size += n;
+        return 1;
+    }
     SourceCopy source(*this, src, n);
     if (source.Failed()) return 0;
     int oldSize = m_size;
