@@ -19,7 +19,8 @@ namespace {
 // The next granule boundary strictly past n (n + A - n mod A); 0 when it
 // does not fit in an int.
 int RoundedCapacity(int n, int granule) {
-    long long capacity = static_cast<long long>(n) + granule - n % granule;
+    int rest = granule & (granule - 1) ? n % granule : n & (granule - 1);  // no division for powers of two
+    long long capacity = static_cast<long long>(n) + granule - rest;
     return capacity > INT_MAX ? 0 : static_cast<int>(capacity);
 }
 
