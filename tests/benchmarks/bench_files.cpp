@@ -9,18 +9,12 @@
 #include <vector>
 
 #include "common/test_object.h"
+#include "io/binary_file_methods.h"
 #include <zel/memory.h>
 #include <zel/services.h>
 
 #include "pairs.h"
 
-extern "C" {
-extern tagTBaseTypeInfo g_info_BinaryFile;
-void BinaryFile_Init(ZelObject*);
-void BinaryFile_Free(ZelObject*);
-unsigned char* BinaryFile_ReadFile(ZelObject*, unsigned char*, int);
-int BinaryFile_GetFileType(ZelObject*, unsigned char*);
-}
 
 namespace {
 

@@ -12,18 +12,12 @@
 #include <vector>
 
 #include "common/test_object.h"
+#include "binary_file_methods.h"
 #include "io/BinaryFile.h"
 #include "io_test_util.h"
 #include <zel/services.h>
 #include <zel/values.h>
 
-extern "C" {
-extern tagTBaseTypeInfo g_info_BinaryFile;
-void BinaryFile_Init(ZelObject*);
-void BinaryFile_Free(ZelObject*);
-unsigned char* BinaryFile_ReadFile(ZelObject*, unsigned char*, int);
-int BinaryFile_GetFileType(ZelObject*, unsigned char*);
-}
 
 namespace {
 
