@@ -65,6 +65,13 @@ int Reserve(int capacity) {
     return reserve > INT_MAX ? capacity : static_cast<int>(reserve);
 }
 
+// The rounded capacity for n bytes when the block beneath holds it without
+// moving; 0 otherwise.
+int CapacityInPlace(unsigned char* data, int n, int granule) {
+    int capacity = RoundedCapacity(n, granule);
+    return data && capacity && size_t(capacity) <= malloc_usable_size(data) ? capacity : 0;
+}
+
 class FileCloser {
 public:
     explicit FileCloser(FILE* f) : m_file(f) {}
@@ -115,13 +122,15 @@ unsigned char* CMiniMem::Realloc(int n) {
         m_size = n;
         return m_data;
     }
+    if (n > m_capacity) {
+        if (int capacity = CapacityInPlace(m_data, n, granule)) {
+            m_capacity = capacity;
+            m_size = n;
+            return m_data;
+        }
+    }
     int capacity = RoundedCapacity(n, granule);
     if (!capacity) return nullptr;
-    if (capacity > m_capacity && size_t(capacity) <= malloc_usable_size(m_data)) {
-        m_capacity = capacity;
-        m_size = n;
-        return m_data;
-    }
     auto* data = static_cast<unsigned char*>(zel_realloc(m_data, capacity > m_capacity ? Reserve(capacity) : capacity));
     if (!data) return nullptr;
     m_data = data;
@@ -156,11 +165,14 @@ void CMiniMem::xchg(CMiniMem& other) {
 int CMiniMem::Append(void* src, int n) {
     if (n == 0) return 1;
     if (n < 0 || n > INT_MAX - m_size) return 0;
-    if (n <= m_capacity - m_size) {  // room already: the block does not move
+    // While the block does not move, even a source inside it stays valid.
+    int capacity = n <= m_capacity - m_size ? m_capacity : CapacityInPlace(m_data, m_size + n, GetMemAlignSize());
+    if (capacity) {
         if (src)
             std::memmove(m_data + m_size, src, n);
         else
             std::memset(m_data + m_size, 0, n);
+        m_capacity = capacity;
         m_size += n;
         return 1;
     }
