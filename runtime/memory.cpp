@@ -37,7 +37,8 @@ namespace {
 // marked; an address on an unmarked page is an ordinary block as long as the
 // chains have not changed since they were walked. The runtime links new
 // blocks at the ends of the two chains, so whether they changed shows in our
-// own two links and in the outer links of the two end blocks. Marks are
+// own two links and in the outer links of the two end blocks (libraries stay
+// loaded while the runtime runs, so those blocks stay readable). Marks are
 // never cleared: a stale mark only sends an address the slow way.
 const unsigned kPageBits = 12;
 const unsigned kPages = 1u << 20;  // the whole 32-bit address space
