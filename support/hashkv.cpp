@@ -291,9 +291,10 @@ CPtr2PtrHashmap::~CPtr2PtrHashmap() = default;
 
 namespace {
 // The text map spreads its keys by a polynomial over the code units, taken
-// in two interleaved lanes so the multiplications overlap, and a final
-// avalanche: a plain sum of code units gives identifier-like keys a few
-// hundred distinct values and the chains grow with the square of the count.
+// in two interleaved lanes so the multiplications overlap; the high bits are
+// folded in and the prime bucket count does the rest. (A plain sum of code
+// units gives identifier-like keys a few hundred distinct values, and the
+// chains grow with the square of the count.)
 unsigned int TextMapHash(void* key) {
     const unsigned int kOdd = 0x01000193u, kSquare = kOdd * kOdd;
     auto* s = static_cast<const wchar_t*>(key);
@@ -306,12 +307,7 @@ unsigned int TextMapHash(void* key) {
         if (s[0]) even = (even + static_cast<unsigned int>(s[0])) * kOdd;
     }
     unsigned int hash = even ^ (odd * kOdd);
-    hash ^= hash >> 16;
-    hash *= 0x85EBCA6Bu;
-    hash ^= hash >> 13;
-    hash *= 0xC2B2AE35u;
-    hash ^= hash >> 16;
-    return hash;
+    return hash ^ (hash >> 15);
 }
 
 // Case-sensitive, a null text counting as the empty one.
