@@ -124,23 +124,16 @@ __attribute__((target("ssse3"))) const unsigned char* CheckBlocksSsse3(const uns
 }
 #endif
 
-BlockCheck ChooseBlockCheck() {
+// The fastest paths this processor runs, chosen once at load (in this
+// order: the processor is probed first).
 #ifdef ZEL_HAVE_SSE2_PATH
-    if (__builtin_cpu_supports("ssse3")) return CheckBlocksSsse3;
+const bool g_processorProbed = (__builtin_cpu_init(), true);
+const AsciiSkip g_skipAscii = g_processorProbed && __builtin_cpu_supports("sse2") ? SkipAsciiSse2 : SkipAsciiWords;
+const BlockCheck g_checkBlocks = __builtin_cpu_supports("ssse3") ? CheckBlocksSsse3 : nullptr;
+#else
+const AsciiSkip g_skipAscii = SkipAsciiWords;
+const BlockCheck g_checkBlocks = nullptr;
 #endif
-    return nullptr;
-}
-
-const BlockCheck g_checkBlocks = ChooseBlockCheck();
-
-AsciiSkip ChooseAsciiSkip() {
-#ifdef ZEL_HAVE_SSE2_PATH
-    if (__builtin_cpu_supports("sse2")) return SkipAsciiSse2;
-#endif
-    return SkipAsciiWords;
-}
-
-const AsciiSkip g_skipAscii = ChooseAsciiSkip();
 
 // The trailing count of a lead byte and the range of its first trailing
 // byte; false for a byte that cannot start a sequence.
