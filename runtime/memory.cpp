@@ -1,5 +1,7 @@
 #include <zel/memory.h>
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
@@ -29,6 +31,8 @@ void ReportNoMemory() {
 }  // namespace
 
 void zel::FailAllocationAfter(int n) { g_failCountdown = n > 0 ? n : 0; }
+
+size_t zel::UsableSize(void* block) { return block ? malloc_usable_size(block) : 0; }
 
 // ---- constant or ordinary, in O(1) -------------------------------------------
 

@@ -1,7 +1,6 @@
 #include <zel/minimem.h>
 
 #include <fcntl.h>
-#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -69,7 +68,7 @@ int Reserve(int capacity) {
 // moving; 0 otherwise.
 int CapacityInPlace(unsigned char* data, int n, int granule) {
     int capacity = RoundedCapacity(n, granule);
-    return data && capacity && size_t(capacity) <= malloc_usable_size(data) ? capacity : 0;
+    return capacity && size_t(capacity) <= zel::UsableSize(data) ? capacity : 0;
 }
 
 class FileCloser {
