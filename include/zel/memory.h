@@ -1,6 +1,8 @@
 // Runtime-visible memory, the owning wrappers of runtime handles, and clones.
 #pragma once
 
+#include <cstddef>
+
 #include <zel/zel_types.h>
 
 class CMiniMem;
@@ -13,6 +15,9 @@ namespace zel {
 // Test hook: the Nth following allocation through zel_malloc/zel_realloc fails
 // (1 = the next one); 0 turns it off.
 void FailAllocationAfter(int n);
+// The bytes a block from zel_malloc/zel_realloc can hold without moving (at
+// least the size asked for); 0 for null.
+size_t UsableSize(void* block);
 }  // namespace zel
 
 class ZEL_API ZelMallocer {
