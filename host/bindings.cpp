@@ -54,7 +54,7 @@ int LeadingWords(const std::string& recordName, const wchar_t* itemName) {
 
 Binding BindMethod(ClassInfo* cls, int itemIndex) {
     Binding b;
-    if (!cls || itemIndex < 0 || itemIndex >= cls->methodCount()) return b;
+    if (!cls || !cls->methods() || itemIndex < 0 || itemIndex >= cls->methodCount()) return b;
     tagMethodItem& m = cls->methods()[itemIndex];
     b.leadingWords = LeadingWords(cls->recordName, m.name);
     if (m.function) {

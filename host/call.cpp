@@ -224,7 +224,7 @@ CallResult Finish(CallResult r, const std::string& who) {
 
 CallResult CallMethod(ZelObject* obj, ClassInfo* owner, int itemIndex, const std::vector<Value>& args) {
     CallResult r;
-    if (!owner || itemIndex < 0 || itemIndex >= owner->methodCount()) {
+    if (!owner || !owner->methods() || itemIndex < 0 || itemIndex >= owner->methodCount()) {
         r.error = "no such method item";
         return r;
     }

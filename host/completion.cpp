@@ -52,7 +52,8 @@ std::vector<std::string> ScriptSession::Complete(const std::string& word) {
             cls = FindClass(head, nullptr);
         if (cls) {
             for (const std::wstring& m : MemberNames(cls, false)) names.push_back(head + L"." + m);
-            for (int k = 0; cls->methodCount() == 0 && k < cls->elementCount(); ++k)  // enumeration members
+            // Enumeration members.
+            for (int k = 0; cls->methodCount() == 0 && cls->elements() && k < cls->elementCount(); ++k)
                 if (cls->elements()[k].name) names.push_back(head + L"." + cls->elements()[k].name);
         }
         if (var == it.vars.end()) AddClasses(head, names);

@@ -345,7 +345,7 @@ void InheritedMembers(std::ostream& out, Library* lib, ClassInfo* c) {
         ClassInfo* base = c->levels[L].cls;
         if (!base || base->kind == ZEL_KIND_INTERFACE) continue;
         std::vector<std::string> names;
-        for (int k = 0; k < base->methodCount(); ++k) {
+        for (int k = 0; base->methods() && k < base->methodCount(); ++k) {
             const tagMethodItem& m = base->methods()[k];
             if (!m.name) continue;
             std::pair<std::wstring, int> key(m.name, (m.flags & ZEL_METHOD_PROPERTY_BIT) ? -1 : m.paramCount);

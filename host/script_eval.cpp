@@ -251,7 +251,7 @@ Value Interp::EvalNode(const Expr& e) {
         }
         if (!e.call) {
             // An enumeration member: an element whose value is kept in its first reserved word.
-            for (int k = 0; k < cls->elementCount(); ++k) {
+            for (int k = 0; cls->elements() && k < cls->elementCount(); ++k) {
                 const tagElementItem& el = cls->elements()[k];
                 if (el.name && e.text == el.name && cls->methodCount() == 0) return Value::Int(el.reserved[0]);
             }
