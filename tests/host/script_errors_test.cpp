@@ -100,6 +100,7 @@ TEST(ScriptErrors, CallsAndPropertiesThatCannotRun) {
         {"print c.抛出(5)", "2:9: error: nothing to print: the call yields no value"},
         {"f = new 测试.文件\nf.写整数()", "3:3: error: 写整数 takes 1 argument, got 0"},
         {"f = new 测试.文件\nf.写整数(\"x\")", "3:7: error: 写整数: argument 1: expected 整数, got 文本"},
+        {"t = \"x\"\nc.多释放(t)\nprint t", "4:7: error: variable t holds a freed value (released too often): 文本"},
         {"load \"/no/such/lib.ncl\"", "2:1: error: cannot open /no/such/lib.ncl: No such file or directory"},
     };
     ExpectRefused(cases);
