@@ -152,3 +152,27 @@ TEST(ScriptErrors, ComparisonsAndLiteralsThatHold) {
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, "\"\\\"\\\\\\t\\r\\x01\"\n\"\" x\"6161\"\n");
 }
+
+// Hooks that raise: the object is not made; a Free hook's failure is reported
+// on the line that released the object, or at the end of the script.
+TEST(ScriptErrors, HooksThatRaise) {
+    ScriptRun made = RunLines("expect error new 抛.初始化\nx = new 抛.初始化\nprint 1\n");
+    EXPECT_EQ(made.status, 1);
+    EXPECT_EQ(made.out, "");
+    EXPECT_NE(made.err.find("e.zs:2:9: error: 抛.初始化_Init raised an exception: no state"), std::string::npos)
+        << made.err;
+
+    ScriptRun released = RunLines("y = new 抛.释放\ny = null\nprint 1\n");
+    EXPECT_EQ(released.status, 1);
+    EXPECT_EQ(released.out, "");
+    EXPECT_NE(released.err.find("e.zs:2:1: error: error reported: 抛.释放 Free hook raised an exception: state lost"),
+              std::string::npos)
+        << released.err;
+
+    ScriptRun atEnd = RunLines("z = new 抛.释放\nprint 1\n");
+    EXPECT_EQ(atEnd.status, 1);
+    EXPECT_EQ(atEnd.out, "1\n");
+    EXPECT_NE(atEnd.err.find("e.zs:end: error: error reported: 抛.释放 Free hook raised an exception: state lost"),
+              std::string::npos)
+        << atEnd.err;
+}
