@@ -8,6 +8,15 @@ namespace {
 int Get(ZelObject*) { return 0; }
 void* kSlots[] = {FP(Get), FP(Get)};
 [[maybe_unused]] tagTBaseTypeInfo* FindNothing(ZelLibInfo*, wchar_t*) { return nullptr; }
+tagTBaseTypeInfo* kNoRecords[] = {nullptr};
+// A library record with callbacks of its own.
+[[maybe_unused]] ZelLibInfo WithCallbacks(const wchar_t* name, decltype(ZelLibInfo::enumClasses) enumerate,
+                                          decltype(ZelLibInfo::findClass) find) {
+    ZelLibInfo li = Library<kNoRecords>(name, L"");
+    li.enumClasses = enumerate;
+    li.findClass = find;
+    return li;
+}
 }  // namespace
 
 #if FAULT == 9
@@ -113,39 +122,21 @@ int Enumerate(ZelLibInfo*, tagTBaseTypeInfo** out, int capacity) {
     for (int i = 0; i < n; ++i) out[i] = handed[i];
     return n;
 }
-tagTBaseTypeInfo* kUnused[] = {nullptr};
-ZelLibInfo g_lib = [] {
-    ZelLibInfo li = Library<kUnused>(L"回调", L"");
-    li.enumClasses = Enumerate;
-    li.findClass = FindNothing;
-    return li;
-}();
+ZelLibInfo g_lib = WithCallbacks(L"回调", Enumerate, FindNothing);
 }  // namespace
 ZEL_EXPORT int ZelNotifyLib(ZelLibInfo*, NOTIFY_LIB_CODE, unsigned, unsigned) { return -1; }
 
 #elif FAULT == 13
 // 空名.ncl: a library record with an empty name and neither callback.
 namespace {
-tagTBaseTypeInfo* kUnused[] = {nullptr};
-ZelLibInfo g_lib = [] {
-    ZelLibInfo li = Library<kUnused>(L"", L"");
-    li.enumClasses = nullptr;
-    li.findClass = nullptr;
-    return li;
-}();
+ZelLibInfo g_lib = WithCallbacks(L"", nullptr, nullptr);
 }  // namespace
 
 #elif FAULT == 14
 // 负数.ncl: an enumerator that answers with a negative count.
 namespace {
 int Negative(ZelLibInfo*, tagTBaseTypeInfo**, int) { return -1; }
-tagTBaseTypeInfo* kUnused[] = {nullptr};
-ZelLibInfo g_lib = [] {
-    ZelLibInfo li = Library<kUnused>(L"负数", L"");
-    li.enumClasses = Negative;
-    li.findClass = FindNothing;
-    return li;
-}();
+ZelLibInfo g_lib = WithCallbacks(L"负数", Negative, FindNothing);
 }  // namespace
 #endif
 

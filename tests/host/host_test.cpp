@@ -9,27 +9,15 @@
 #include <string>
 
 #include "host/host_api.h"
+#include "script_run.h"
 #include <zel/services.h>
 
 using namespace zelhost;
 
 namespace {
 
-struct Env : ::testing::Environment {
-    void SetUp() override { setenv("ZELCLS_PATHS", ZEL_FIXTURE_DIR, 1); }
-};
-const auto* g_env = ::testing::AddGlobalTestEnvironment(new Env);
-
-struct ScriptRun { int status; std::string out, err; };
-
-ScriptRun RunText(const std::string& script, bool audit = false) {
-    std::istringstream in(script);
-    std::ostringstream out, err;
-    RunOptions o;
-    o.audit = audit;
-    int s = RunScript(in, "t.zs", o, out, err);
-    return {s, out.str(), err.str()};
-}
+using hosttest::RunText;
+using hosttest::ScriptRun;
 
 void ExpectAll(const std::string& text, std::initializer_list<const char*> parts) {
     for (const char* p : parts) EXPECT_NE(text.find(p), std::string::npos) << p << "\n" << text;

@@ -8,34 +8,24 @@
 #include <utility>
 
 #include "host/host_api.h"
+#include "script_run.h"
 
 using namespace zelhost;
 
 namespace {
 
-struct Env : ::testing::Environment {
-    void SetUp() override { setenv("ZELCLS_PATHS", ZEL_FIXTURE_DIR, 1); }
-};
-const auto* g_env = ::testing::AddGlobalTestEnvironment(new Env);
-
-struct ScriptRun { int status; std::string out, err; };
-
-ScriptRun RunLines(const std::string& script) {
-    std::istringstream in(script);
-    std::ostringstream out, err;
-    int s = RunScript(in, "e.zs", RunOptions{}, out, err);
-    return {s, out.str(), err.str()};
-}
+using hosttest::RunText;
+using hosttest::ScriptRun;
 
 // Each case runs after `c = new 测试.计数器`; the run must stop at it with the
 // diagnostic (line, column and message) given.
 template <size_t N>
 void ExpectRefused(const std::pair<const char*, const char*> (&cases)[N]) {
     for (const auto& [line, diagnostic] : cases) {
-        ScriptRun r = RunLines(std::string("c = new 测试.计数器\n") + line + "\nprint 1\n");
+        ScriptRun r = RunText(std::string("c = new 测试.计数器\n") + line + "\nprint 1\n");
         EXPECT_EQ(r.status, 1) << line;
         EXPECT_EQ(r.out.find("1\n"), std::string::npos) << line << ": the line after the error ran";
-        EXPECT_NE(r.err.find(std::string("e.zs:") + diagnostic), std::string::npos)
+        EXPECT_NE(r.err.find(std::string("t.zs:") + diagnostic), std::string::npos)
             << line << "\nwant: " << diagnostic << "\ngot:  " << r.err;
     }
 }
@@ -127,7 +117,7 @@ TEST(ScriptErrors, ExpectationsThatFail) {
 
 // Comparisons across kinds, escapes and byte sets that hold.
 TEST(ScriptErrors, ComparisonsAndLiteralsThatHold) {
-    ScriptRun r = RunLines(
+    ScriptRun r = RunText(
         "c = new 测试.计数器\n"
         "d = c\n"
         "expect c == d\n"
@@ -156,23 +146,18 @@ TEST(ScriptErrors, ComparisonsAndLiteralsThatHold) {
 // Hooks that raise: the object is not made; a Free hook's failure is reported
 // on the line that released the object, or at the end of the script.
 TEST(ScriptErrors, HooksThatRaise) {
-    ScriptRun made = RunLines("expect error new 抛.初始化\nx = new 抛.初始化\nprint 1\n");
-    EXPECT_EQ(made.status, 1);
-    EXPECT_EQ(made.out, "");
-    EXPECT_NE(made.err.find("e.zs:2:9: error: 抛.初始化_Init raised an exception: no state"), std::string::npos)
-        << made.err;
-
-    ScriptRun released = RunLines("y = new 抛.释放\ny = null\nprint 1\n");
-    EXPECT_EQ(released.status, 1);
-    EXPECT_EQ(released.out, "");
-    EXPECT_NE(released.err.find("e.zs:2:1: error: error reported: 抛.释放 Free hook raised an exception: state lost"),
-              std::string::npos)
-        << released.err;
-
-    ScriptRun atEnd = RunLines("z = new 抛.释放\nprint 1\n");
-    EXPECT_EQ(atEnd.status, 1);
-    EXPECT_EQ(atEnd.out, "1\n");
-    EXPECT_NE(atEnd.err.find("e.zs:end: error: error reported: 抛.释放 Free hook raised an exception: state lost"),
-              std::string::npos)
-        << atEnd.err;
+    const struct { const char* script; const char* out; const char* diagnostic; } cases[] = {
+        {"expect error new 抛.初始化\nx = new 抛.初始化\nprint 1\n", "",
+         "t.zs:2:9: error: 抛.初始化_Init raised an exception: no state"},
+        {"y = new 抛.释放\ny = null\nprint 1\n", "",
+         "t.zs:2:1: error: error reported: 抛.释放 Free hook raised an exception: state lost"},
+        {"z = new 抛.释放\nprint 1\n", "1\n",
+         "t.zs:end: error: error reported: 抛.释放 Free hook raised an exception: state lost"},
+    };
+    for (const auto& c : cases) {
+        ScriptRun r = RunText(c.script);
+        EXPECT_EQ(r.status, 1) << c.script;
+        EXPECT_EQ(r.out, c.out) << c.script;
+        EXPECT_NE(r.err.find(c.diagnostic), std::string::npos) << c.script << "\n" << r.err;
+    }
 }

@@ -1,0 +1,32 @@
+// Script text run through the host, with the fixture libraries' folder as
+// ZELCLS_PATHS for every test of the executable.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "host/host_api.h"
+
+namespace hosttest {
+
+struct FixturePaths : ::testing::Environment {
+    void SetUp() override { setenv("ZELCLS_PATHS", ZEL_FIXTURE_DIR, 1); }
+};
+inline const auto* g_fixturePaths = ::testing::AddGlobalTestEnvironment(new FixturePaths);
+
+struct ScriptRun { int status; std::string out, err; };
+
+// Runs the text as the script t.zs.
+inline ScriptRun RunText(const std::string& script, bool audit = false) {
+    std::istringstream in(script);
+    std::ostringstream out, err;
+    zelhost::RunOptions o;
+    o.audit = audit;
+    int s = zelhost::RunScript(in, "t.zs", o, out, err);
+    return {s, out.str(), err.str()};
+}
+
+}  // namespace hosttest
