@@ -45,7 +45,8 @@ ZEL_RECORD(tagTBaseTypeInfo, g_info_Item) = [] {
 
 #elif FAULT == 10
 // 接口.ncl: interface entries that are wrong in every way, tables of
-// interfaces missing or negative, and a base class that does not exist.
+// interfaces missing or negative, a base class that does not exist and a
+// class that derives from itself.
 namespace {
 void* kNullSlot[] = {nullptr};
 tagMethodItem kMembers[] = {M(ZEL_METHOD, L"成员", L"_i", nullptr, 0, nullptr)};
@@ -66,9 +67,10 @@ ZEL_RECORD(tagTBaseTypeInfo, g_info_Item) =
 ZEL_RECORD(tagTBaseTypeInfo, g_info_NoTable) = Class(L"接口.无表", L"系统.对象", nullptr, 0, nullptr, 0, nullptr, 2);
 ZEL_RECORD(tagTBaseTypeInfo, g_info_Negative) = Class(L"接口.负数", L"系统.对象", nullptr, 0, nullptr, 0, kInterfaces, -1);
 ZEL_RECORD(tagTBaseTypeInfo, g_info_Orphan) = Class(L"接口.孤儿", L"接口.无基", nullptr, 0, nullptr, 0);
+ZEL_RECORD(tagTBaseTypeInfo, g_info_Self) = Class(L"接口.自身", L"接口.自身", nullptr, 0, nullptr, 0);
 #define RECORDS                                                                                              \
     &g_info_Item, reinterpret_cast<tagTBaseTypeInfo*>(&g_info_Iface), &g_info_NoTable, &g_info_Negative, \
-        &g_info_Orphan
+        &g_info_Orphan, &g_info_Self
 
 #elif FAULT == 11
 // 表.ncl: method, parameter and element tables that are missing, negative or
