@@ -21,3 +21,4 @@
 #include <zel/ptrlist.h>
 #include <zel/node.h>
 #include <zel/converters.h>
+#include <zel/no_memory.h>
