@@ -33,7 +33,10 @@ ZEL_EXPORT void List_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, zel::NewO
 // The node is made before the reference is taken: without memory the list
 // and the item are left as they were.
 static void Store(ObjectList& items, ObjectList::iterator before, ZelObject* item) {
-    zel::NeutralOnNoMemory([&] { *items.insert(before, nullptr) = Keep(item); });
+    zel::NeutralOnNoMemory([&] {
+        auto node = items.insert(before, nullptr);
+        *node = Keep(item);
+    });
 }
 
 ZEL_EXPORT void List_Free(ZelObject* obj) {

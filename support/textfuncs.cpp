@@ -357,8 +357,10 @@ bool GetExtendPropertyValue(const wchar_t* properties, const wchar_t* name, CMSt
             const wchar_t* valueBegin = equals < end ? equals + 1 : end;
             const wchar_t* valueEnd = end;
             Trim(valueBegin, valueEnd);
-            value.SetText(valueBegin, static_cast<int>(valueEnd - valueBegin));
-            return true;
+            // Without memory for the value the item counts as not found.
+            int length = static_cast<int>(valueEnd - valueBegin);
+            value.SetText(valueBegin, length);
+            return value.GetLength() == length;
         }
         if (!*end) return false;
         item = end + 1;

@@ -51,7 +51,7 @@ public:
 
 private:
     // Releases the old data and keeps `copy`, already allocated, as the new.
-    void Store(CNode::NodeType type, unsigned char* copy, int length);
+    __attribute__((visibility("hidden"))) void Store(CNode::NodeType type, unsigned char* copy, int length);
 
     NodeType m_type;
     int m_length;
