@@ -322,6 +322,15 @@ void FileWork(Sweep& s) {
     std::swprintf(path, 64, L"/tmp/zel_sweep_%d.txt", int(getpid()));
     unsigned char* name = v.Text(path);
     unsigned char* bytes = v.Bin("\xEF\xBB\xBF" "file bytes");
+    char plainPath[64];
+    std::snprintf(plainPath, sizeof plainPath, "/tmp/zel_sweep_plain_%d.txt", int(getpid()));
+    if (FILE* f = std::fopen(plainPath, "wb")) {
+        std::fputs("plain bytes without a signature", f);
+        std::fclose(f);
+    }
+    wchar_t widePlain[64];
+    std::swprintf(widePlain, 64, L"%s", plainPath);
+    unsigned char* plainName = v.Text(widePlain);
     TestObject bin(&g_info_BinaryFile, nullptr, BinaryFile_Free);
     TestObject text(&g_info_TextFile, nullptr, TextFile_Free, 3);
     s.Arm();
@@ -330,12 +339,16 @@ void FileWork(Sweep& s) {
     int type = BinaryFile_GetFileType(bin, name);
     Drop(BinaryFile_ReadFile(bin, name, 0));
     TextFile_Init(text);
+    int plainType = BinaryFile_GetFileType(bin, plainName);
+    Drop(BinaryFile_ReadFile(bin, plainName, 0));
     int opened = TextFile_Open(text, name, 0, 0);
     int ok = 0;
     Drop(TextFile_Read(text, 4, &ok));
     s.Disarm();
     SWEEP_CHECK(s, (wrote && type == 4) || s.Injected());
     SWEEP_CHECK(s, opened == 0 || opened == 1);
+    SWEEP_CHECK(s, plainType == 5 || s.Injected());
+    std::remove(plainPath);
     SWEEP_CHECK(s, rt.LiveValues() == 0);
     std::remove(std::string(path, path + std::wcslen(path)).c_str());
 }
@@ -429,6 +442,53 @@ void TextSupportWork(Sweep& s) {
     items.RemoveAll();
 }
 
+// The converters, clones, wrappers and the byte buffer's edits and files.
+void ValueSupportWork(Sweep& s) {
+    CountingRuntime rt;
+    Values v;
+    unsigned char* one = v.Text(L"一");
+    unsigned char* two = v.Bin("two");
+    // One dimension: word 1 counts dimensions, word 2 is the size, the elements follow.
+    int textArray[] = {0, 1, 2, int(reinterpret_cast<intptr_t>(one)), int(reinterpret_cast<intptr_t>(one))};
+    int binArray[] = {0, 1, 1, int(reinterpret_cast<intptr_t>(two))};
+    char path[64];
+    std::snprintf(path, sizeof path, "/tmp/zel_sweep_mem_%d.bin", int(getpid()));
+    wchar_t widePath[64];
+    std::swprintf(widePath, 64, L"%s", path);
+    CMiniMem mem;
+    CMIntArray numbers;
+    s.Arm();
+    void* made[] = {MDoubleToMBin(2.5), MIntToMBin(3), MBoolToMString(1), MDoubleToMString(0.25),
+                    MIntToMString(-4), MCloneZelText(const_cast<char*>("窄")), MCloneZelTextToString(one),
+                    MCloneArray(textArray, DATATYPE_TEXT_ARRAY), MCloneArray(binArray, DATATYPE_BIN_ARRAY)};
+    {
+        ZelBinWrapper wrapper(16);
+        zel_free(wrapper.Detach());  // this runtime takes over no blocks
+        ZelTextWrapper text(const_cast<wchar_t*>(L"包装"));
+    }
+    mem.AddText(const_cast<wchar_t*>(L"文本"));
+    mem.AddBin(two);
+    mem.Insert(0, const_cast<char*>("head"), 4);
+    mem.Replace(0, 4, reinterpret_cast<unsigned char*>(const_cast<char*>("HEADER")), 6);
+    mem.Remove(0, 2);
+    int wrote = mem.WriteIntoFile(widePath, -1);
+    CMiniMem back;
+    int read = back.ReadFromFile(widePath, -1);
+    for (int i = 0; i < 100; ++i) numbers.AddInt(i);
+    s.Disarm();
+    SWEEP_CHECK(s, !wrote || !read || back.GetSize() == mem.GetSize() || s.Injected());
+    SWEEP_CHECK(s, numbers.GetSize() % 4 == 0);
+    for (void* p : made) {
+        int* words = static_cast<int*>(p);
+        // The array clones' elements are blocks of their own.
+        if ((p == made[7] || p == made[8]) && !IsConstData(p))
+            for (int i = 0; i < words[2]; ++i) zel_free(reinterpret_cast<void*>(intptr_t(words[3 + i])));
+        zel_free(p);
+    }
+    std::remove(path);
+    SWEEP_CHECK(s, rt.LiveValues() == 0);
+}
+
 void HashWork(Sweep& s) {
     CPtr2PtrHashmap numbers;
     CText2PtrHashmap names(2);
@@ -488,7 +548,7 @@ const std::vector<Workload>& Workloads() {
         {"list", ListWork},     {"map", MapWork},         {"stack", StackWork},   {"text", StringWork},
         {"values", ValueWork},  {"support", SupportWork}, {"streams", StreamWork}, {"files", FileWork},
         {"geometry", GeometryWork}, {"map-by-value", MapByValueWork}, {"text-support", TextSupportWork},
-        {"hash", HashWork}, {"file-class", FileClassWork},
+        {"hash", HashWork}, {"file-class", FileClassWork}, {"value-support", ValueSupportWork},
     };
     return all;
 }
