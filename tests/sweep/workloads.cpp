@@ -6,7 +6,6 @@
 #include <cwchar>
 #include <deque>
 #include <new>
-#include <string>
 
 #include "common/counting_runtime.h"
 #include "common/test_object.h"
@@ -85,6 +84,24 @@ private:
     unsigned char* Keep(unsigned char* value) { return m_made[m_count++] = value; }
     unsigned char* m_made[16] = {};
     int m_count = 0;
+};
+
+// A file name of this process under /tmp; the file goes with it.
+class TempFile {
+public:
+    explicit TempFile(const char* stem) {
+        std::snprintf(m_path, sizeof m_path, "/tmp/zel_sweep_%s_%d", stem, int(getpid()));
+        std::swprintf(m_wide, 64, L"%s", m_path);
+    }
+    ~TempFile() { std::remove(m_path); }
+    TempFile(const TempFile&) = delete;
+    TempFile& operator=(const TempFile&) = delete;
+    const char* path() const { return m_path; }
+    const wchar_t* wide() const { return m_wide; }
+
+private:
+    char m_path[64];
+    wchar_t m_wide[64];
 };
 
 struct RewindableStream : CMemoryStream {
@@ -318,19 +335,14 @@ void StreamWork(Sweep& s) {
 void FileWork(Sweep& s) {
     CountingRuntime rt;
     Values v;
-    wchar_t path[64];
-    std::swprintf(path, 64, L"/tmp/zel_sweep_%d.txt", int(getpid()));
-    unsigned char* name = v.Text(path);
+    TempFile withSignature("signed"), plain("plain");
+    unsigned char* name = v.Text(withSignature.wide());
     unsigned char* bytes = v.Bin("\xEF\xBB\xBF" "file bytes");
-    char plainPath[64];
-    std::snprintf(plainPath, sizeof plainPath, "/tmp/zel_sweep_plain_%d.txt", int(getpid()));
-    if (FILE* f = std::fopen(plainPath, "wb")) {
+    if (FILE* f = std::fopen(plain.path(), "wb")) {
         std::fputs("plain bytes without a signature", f);
         std::fclose(f);
     }
-    wchar_t widePlain[64];
-    std::swprintf(widePlain, 64, L"%s", plainPath);
-    unsigned char* plainName = v.Text(widePlain);
+    unsigned char* plainName = v.Text(plain.wide());
     TestObject bin(&g_info_BinaryFile, nullptr, BinaryFile_Free);
     TestObject text(&g_info_TextFile, nullptr, TextFile_Free, 3);
     s.Arm();
@@ -348,9 +360,7 @@ void FileWork(Sweep& s) {
     SWEEP_CHECK(s, (wrote && type == 4) || s.Injected());
     SWEEP_CHECK(s, opened == 0 || opened == 1);
     SWEEP_CHECK(s, plainType == 5 || s.Injected());
-    std::remove(plainPath);
     SWEEP_CHECK(s, rt.LiveValues() == 0);
-    std::remove(std::string(path, path + std::wcslen(path)).c_str());
 }
 
 void GeometryWork(Sweep& s) {
@@ -451,10 +461,7 @@ void ValueSupportWork(Sweep& s) {
     // One dimension: word 1 counts dimensions, word 2 is the size, the elements follow.
     int textArray[] = {0, 1, 2, int(reinterpret_cast<intptr_t>(one)), int(reinterpret_cast<intptr_t>(one))};
     int binArray[] = {0, 1, 1, int(reinterpret_cast<intptr_t>(two))};
-    char path[64];
-    std::snprintf(path, sizeof path, "/tmp/zel_sweep_mem_%d.bin", int(getpid()));
-    wchar_t widePath[64];
-    std::swprintf(widePath, 64, L"%s", path);
+    TempFile temp("buffer");
     CMiniMem mem;
     CMIntArray numbers;
     s.Arm();
@@ -471,9 +478,9 @@ void ValueSupportWork(Sweep& s) {
     mem.Insert(0, const_cast<char*>("head"), 4);
     mem.Replace(0, 4, reinterpret_cast<unsigned char*>(const_cast<char*>("HEADER")), 6);
     mem.Remove(0, 2);
-    int wrote = mem.WriteIntoFile(widePath, -1);
+    int wrote = mem.WriteIntoFile(const_cast<wchar_t*>(temp.wide()), -1);
     CMiniMem back;
-    int read = back.ReadFromFile(widePath, -1);
+    int read = back.ReadFromFile(const_cast<wchar_t*>(temp.wide()), -1);
     for (int i = 0; i < 100; ++i) numbers.AddInt(i);
     s.Disarm();
     SWEEP_CHECK(s, !wrote || !read || back.GetSize() == mem.GetSize() || s.Injected());
@@ -485,7 +492,6 @@ void ValueSupportWork(Sweep& s) {
             for (int i = 0; i < words[2]; ++i) zel_free(reinterpret_cast<void*>(intptr_t(words[3 + i])));
         zel_free(p);
     }
-    std::remove(path);
     SWEEP_CHECK(s, rt.LiveValues() == 0);
 }
 
@@ -515,9 +521,8 @@ void HashWork(Sweep& s) {
 void FileClassWork(Sweep& s) {
     CountingRuntime rt;
     Values v;
-    wchar_t path[64];
-    std::swprintf(path, 64, L"/tmp/zel_sweep_class_%d.bin", int(getpid()));
-    unsigned char* name = v.Text(path);
+    TempFile temp("class");
+    unsigned char* name = v.Text(temp.wide());
     unsigned char* bytes = v.Bin("twelve bytes");
     wchar_t characters[] = L"pointer text";
     TestObject file(&g_info_File, nullptr, File_Free, 2), pointer(&g_info_Pointer);
@@ -538,7 +543,6 @@ void FileClassWork(Sweep& s) {
     SWEEP_CHECK(s, !read || MGetZelBinLength(read) == 0 || MGetZelBinLength(read) == 12);
     Drop(read);
     SWEEP_CHECK(s, rt.LiveValues() == 0);
-    std::remove(std::string(path, path + std::wcslen(path)).c_str());
 }
 
 }  // namespace
