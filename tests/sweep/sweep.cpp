@@ -5,6 +5,8 @@
 // reference and runtime value is given back and that no descriptor stays
 // open; under AddressSanitizer, LeakSanitizer checks every block at exit.
 #include <dirent.h>
+#include <dlfcn.h>
+#include <execinfo.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,22 +14,53 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <set>
 
 #include "sweep/workloads.h"
 
 namespace {
 
-// Distinct callers of the counted allocations (a fixed table: the watcher
-// itself must not allocate).
-const void* g_sites[8192];
-int g_siteCount = 0;
+// The distinct call stacks that reached a counted allocation, and the
+// distinct callers of the allocation functions among them (fixed tables:
+// the watcher itself must not allocate).
+const int kMaxStacks = 4096, kFrames = 16;
+void* g_stacks[kMaxStacks][kFrames];
+int g_stackCount = 0;
+const void* g_callers[kMaxStacks];
+int g_callerCount = 0;
+bool g_inWatch = false;
 
-void WatchSite(const void* site) {
-    if (zel::AllocationCountdown() <= 0) return;  // the runtime's own allocations
-    for (int i = 0; i < g_siteCount; ++i)
-        if (g_sites[i] == site) return;
-    if (g_siteCount < int(std::size(g_sites))) g_sites[g_siteCount++] = site;
+void Remember(const void* caller) {
+    for (int i = 0; i < g_callerCount; ++i)
+        if (g_callers[i] == caller) return;
+    g_callers[g_callerCount++] = caller;
+}
+
+void WatchSite(const void* caller) {
+    if (g_inWatch || zel::AllocationCountdown() <= 0 || g_stackCount == kMaxStacks) return;  // not the runtime's
+    g_inWatch = true;
+    void** stack = g_stacks[g_stackCount];
+    std::memset(stack, 0, sizeof g_stacks[0]);
+    backtrace(stack, kFrames);
+    g_inWatch = false;
+    for (int i = 0; i < g_stackCount; ++i)
+        if (std::memcmp(g_stacks[i], stack, sizeof g_stacks[0]) == 0) return;
+    ++g_stackCount;
+    Remember(caller);
+}
+
+// One line per site: the frames of its stack inside this program, as
+// offsets for addr2line.
+void PrintSites() {
+    for (int i = 0; i < g_stackCount; ++i) {
+        std::printf("site");
+        for (void* frame : g_stacks[i]) {
+            Dl_info info;
+            if (frame && dladdr(frame, &info) && info.dli_fname && std::strstr(info.dli_fname, "alloc_sweep"))
+                std::printf(" 0x%lx", static_cast<unsigned long>(static_cast<char*>(frame) -
+                                                                 static_cast<char*>(info.dli_fbase) - 1));
+        }
+        std::printf("\n");
+    }
 }
 
 int OpenDescriptors() {
@@ -92,14 +125,21 @@ int SweepWorkload(const Workload& w, int* reached) {
 
 }  // namespace
 
+// alloc_sweep [--sites] [WORKLOAD]: --sites lists the sites reached.
 int main(int argc, char** argv) {
+    bool listSites = argc > 1 && std::strcmp(argv[1], "--sites") == 0;
+    const char* only = argc > 1 + listSites ? argv[1 + listSites] : nullptr;
+    void* warmUp[1];
+    backtrace(warmUp, 1);  // loads what backtrace needs before anything is watched
     int reached = 0, bad = 0;
     for (const Workload& w : Workloads()) {
-        if (argc > 1 && std::strcmp(argv[1], w.name) != 0) continue;
+        if (only && std::strcmp(only, w.name) != 0) continue;
         bad += SweepWorkload(w, &reached);
     }
-    std::printf("allocation sweep: %d allocation indices failed one by one, %d distinct allocation sites\n",
-                reached, g_siteCount);
+    if (listSites) PrintSites();
+    std::printf("allocation sweep: %d allocation indices failed one by one; %d distinct call stacks reached "
+                "an allocation, through %d distinct callers of the allocation functions\n",
+                reached, g_stackCount, g_callerCount);
     if (bad) std::printf("%d runs failed\n", bad);
     return bad ? 1 : 0;
 }
