@@ -137,6 +137,11 @@ int main(int argc, char** argv) {
         bad += SweepWorkload(w, &reached);
     }
     if (listSites) PrintSites();
+#if defined(__SANITIZE_ADDRESS__)
+    // LeakSanitizer is on unless ASAN_OPTIONS turns it off.
+    const char* options = std::getenv("ASAN_OPTIONS");
+    std::printf("leak checking: %s\n", options && std::strstr(options, "detect_leaks=0") ? "off" : "on");
+#endif
     std::printf("allocation sweep: %d allocation indices failed one by one; %d distinct call stacks reached "
                 "an allocation, through %d distinct callers of the allocation functions\n",
                 reached, g_stackCount, g_callerCount);
