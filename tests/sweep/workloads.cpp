@@ -53,7 +53,10 @@ void TextFile_Init(ZelObject*), TextFile_Free(ZelObject*);
 int TextFile_Open(ZelObject*, unsigned char*, int, int), TextFile_Write(ZelObject*, unsigned char*);
 unsigned char* TextFile_Read(ZelObject*, int, int*);
 extern tagTBaseTypeInfo g_info_Point, g_info_Size, g_info_Color, g_info_DoubleClass, g_info_BoolClass, g_info_File;
-extern tagTBaseTypeInfo g_info_Pointer;
+extern tagTBaseTypeInfo g_info_Pointer, g_info_DatetimeClass, g_info_IntClass, g_info_Address;
+int Point_Serialize(ZelObject*, ZelObject*), Point_Unserialize(ZelObject*, ZelObject*);
+void DatetimeClass_Init(ZelObject*), IntClass_Init(ZelObject*);
+unsigned char *DatetimeClass_ToString(ZelObject*), *Address_ToString(ZelObject*);
 void Point_Init(ZelObject*), Point_Free(ZelObject*), Size_Init(ZelObject*), Size_Free(ZelObject*);
 void Size_FromText(ZelObject*, unsigned char*), Color_Init(ZelObject*), Color_Free(ZelObject*);
 void Color_FromText(ZelObject*, unsigned char*);
@@ -376,8 +379,16 @@ void GeometryWork(Sweep& s) {
     TestObject point(&g_info_Point, nullptr, Point_Free), size(&g_info_Size, nullptr, Size_Free);
     TestObject color(&g_info_Color, nullptr, Color_Free);
     TestObject real(&g_info_DoubleClass, nullptr, DoubleClass_Free), logical(&g_info_BoolClass, nullptr, BoolClass_Free);
+    TestObject date(&g_info_DatetimeClass), integer(&g_info_IntClass), address(&g_info_Address);
+    TestObject stream(&g_info_MemoryStream, MemoryStream_Init, MemoryStream_Free);
     s.Arm();
     Point_Init(point);
+    int saved = Point_Serialize(point, stream);  // through the stream's interface
+    int loaded = Point_Unserialize(point, stream);
+    DatetimeClass_Init(date);
+    Drop(DatetimeClass_ToString(date));
+    IntClass_Init(integer);
+    Drop(Address_ToString(address));
     Size_Init(size);
     Size_FromText(size, pair);
     Drop(Size_ToText(size));
@@ -387,6 +398,7 @@ void GeometryWork(Sweep& s) {
     DoubleClass_Init(real);
     BoolClass_Init(logical);
     s.Disarm();
+    SWEEP_CHECK(s, (saved == 1 && loaded == 1) || s.Injected());
     SWEEP_CHECK(s, rt.LiveValues() == 0);
 }
 
