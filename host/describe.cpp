@@ -5,10 +5,16 @@
 #include <cstring>
 #include <ostream>
 #include <set>
+#include <sstream>
 
 #include "host/host_internal.h"
 
 namespace zelhost {
+
+// The behaviour notes of a class of a library, or null (generated from the
+// *.notes.md files beside the class sources).
+const char* ClassNotes(const std::string& library, const std::string& record);
+
 namespace {
 
 std::string U(const wchar_t* s) { return ToUtf8(s); }
@@ -233,6 +239,11 @@ int ShowClass(Library* lib, const std::wstring& className, std::ostream& out, st
                 out << "      " << U(m.params[p].name) << ": " << U(m.params[p].description) << "\n";
     }
     if (n == 0) out << "  (none)\n";
+    if (const char* notes = ClassNotes(U(lib->info->name), rn); notes && *notes) {
+        out << "notes:\n";
+        std::istringstream lines(notes);
+        for (std::string line; std::getline(lines, line);) out << (line.empty() ? "" : "  ") << line << "\n";
+    }
     return 0;
 }
 
@@ -391,27 +402,145 @@ std::string Md(const std::string& s) {
     return o;
 }
 std::string Md(const wchar_t* s) { return Md(U(s)); }
+
+// GitHub's heading anchors: punctuation dropped, blanks as '-'.
+std::string Anchor(const std::string& heading) {
+    std::string a;
+    for (char ch : heading) {
+        unsigned char u = static_cast<unsigned char>(ch);
+        if (ch == ' ') a += '-';
+        else if (u >= 0x80 || std::isalnum(u) || ch == '-' || ch == '_') a += char(std::tolower(u));
+    }
+    return a;
+}
+
+// A class name, linked when the library being described defines it.
+std::string ClassLink(Library* lib, const wchar_t* name) {
+    std::string n = U(name);
+    if (!name || !lib->Find(name)) return n;
+    return "[" + n + "](#" + Anchor(n) + ")";
+}
+
+std::string Params(const tagMethodItem& m) {
+    std::string s;
+    for (int p = 0; p < m.paramCount && m.params; ++p)
+        s += (p ? ", " : "") + U(m.params[p].name) + ": " + ShowTypeName(m.params[p].type);
+    return s;
+}
+
+// A Markdown table without the columns that are empty in every row (the
+// first column always stays).
+void Table(std::ostream& out, const std::vector<std::string>& head, const std::vector<std::vector<std::string>>& rows) {
+    std::vector<size_t> keep;
+    for (size_t c = 0; c < head.size(); ++c) {
+        bool used = c == 0;
+        for (auto& r : rows) used |= !r[c].empty();
+        if (used) keep.push_back(c);
+    }
+    std::string rule;
+    for (size_t c : keep) {
+        out << "| " << head[c] << " ";
+        rule += "|---";
+    }
+    out << "|\n" << rule << "|\n";
+    for (auto& r : rows) {
+        for (size_t c : keep) out << "| " << r[c] << " ";
+        out << "|\n";
+    }
+    out << "\n";
+}
+
+// The description cell of a method: its own text, then its parameters'.
+std::string MethodText(const tagMethodItem& m) {
+    std::string s = Md(m.description);
+    for (int p = 0; p < m.paramCount && m.params; ++p) {
+        if (!m.params[p].description || !*m.params[p].description) continue;
+        s += (s.empty() ? "" : "<br>") + ("`" + U(m.params[p].name) + "`: ") + Md(m.params[p].description);
+    }
+    return s;
+}
+
+void PropertyTable(std::ostream& out, tagMethodItem* ms, int n) {
+    std::vector<std::vector<std::string>> rows;
+    std::vector<std::wstring> seen;
+    for (int k = 0; k < n && ms; ++k) {
+        if (!(ms[k].flags & ZEL_METHOD_PROPERTY_BIT) || !ms[k].name) continue;
+        if (std::find(seen.begin(), seen.end(), std::wstring(ms[k].name)) != seen.end()) continue;
+        seen.push_back(ms[k].name);
+        int g = -1, s = -1;
+        for (int j = 0; j < n; ++j) {
+            if (!ms[j].name || wcscmp(ms[j].name, ms[k].name)) continue;
+            if (IsGetter(ms[j]) && g < 0) g = j;
+            else if (IsSetter(ms[j]) && s < 0) s = j;
+        }
+        std::string type = g >= 0 ? ShowTypeName(ms[g].returnType) : s >= 0 ? ShowTypeName(ms[s].params[0].type) : "?";
+        std::string access = g >= 0 && s >= 0 ? "read, write" : g >= 0 ? "read" : s >= 0 ? "write" : "?";
+        std::string desc = g >= 0 && ms[g].description && *ms[g].description ? Md(ms[g].description)
+                           : s >= 0 && ms[s].params[0].description ? Md(ms[s].params[0].description) : "";
+        rows.push_back({Md(ms[k].name), type, access, desc});
+    }
+    if (!rows.empty()) Table(out, {"Property", "Type", "Access", "Description"}, rows);
+}
+
+void MethodTable(std::ostream& out, tagTBaseTypeInfo* r, ClassInfo* c) {
+    int n = MethodCount(r);
+    tagMethodItem* ms = Methods(r);
+    std::vector<std::vector<std::string>> rows;
+    for (int k = 0; k < n && ms; ++k) {
+        const tagMethodItem& m = ms[k];
+        if (m.flags & ZEL_METHOD_PROPERTY_BIT) continue;
+        std::string flags = (m.flags & ZEL_METHOD_STATIC_BIT) ? "static" : "";
+        if (m.flags & ZEL_METHOD_CONSTRUCTOR_BIT) flags += flags.empty() ? "constructor" : ", constructor";
+        std::string text = MethodText(m);
+        if (c && !IsInterface(r)) {
+            Binding b = BindMethod(c, k);
+            if (!b.boundTo.empty()) text += (text.empty() ? "" : " ") + ("(bound to `" + b.boundTo + "`)");
+        }
+        rows.push_back({std::to_string(k + 1), Md(U(m.name) + "(" + Params(m) + ")"), ShowTypeName(m.returnType),
+                        flags, text});
+    }
+    if (!rows.empty())
+        Table(out, {"#", IsInterface(r) ? "Member" : "Method", "Returns", "Flags", "Description"}, rows);
+}
+
+// Members of the base classes that the class does not redefine (same name and
+// parameter count), nearest base first.
+void InheritedMembers(std::ostream& out, Library* lib, ClassInfo* c) {
+    if (!c) return;
+    std::vector<std::pair<std::wstring, int>> defined;
+    for (size_t L = c->levels.size(); L-- > 0;) {
+        ClassInfo* base = c->levels[L].cls;
+        if (!base || base->kind == ZEL_KIND_INTERFACE) continue;
+        std::vector<std::string> names;
+        for (int k = 0; k < base->methodCount(); ++k) {
+            const tagMethodItem& m = base->methods()[k];
+            if (!m.name) continue;
+            std::pair<std::wstring, int> key(m.name, (m.flags & ZEL_METHOD_PROPERTY_BIT) ? -1 : m.paramCount);
+            if (std::find(defined.begin(), defined.end(), key) != defined.end()) continue;
+            defined.push_back(key);
+            if (L + 1 == c->levels.size()) continue;
+            names.push_back((m.flags & ZEL_METHOD_PROPERTY_BIT) ? U(m.name) : U(m.name) + "(" + Params(m) + ")");
+        }
+        if (names.empty()) continue;
+        out << "Inherited from " << ClassLink(lib, base->name.c_str()) << ":";
+        for (size_t i = 0; i < names.size(); ++i) out << (i ? ", " : " ") << "`" << Md(names[i]) << "`";
+        out << ".\n\n";
+    }
+}
 }  // namespace
 
-int DocLibrary(Library* lib, std::ostream& out, std::ostream& err) {
+int DocLibrary(Library* lib, std::ostream& target, std::ostream& err) {
+    std::ostringstream out;
     ZelLibInfo* li = lib->info;
     std::vector<tagTBaseTypeInfo*> recs = SortedRecords(lib);
-    out << "# " << U(li->name) << " class library reference\n\n";
-    out << "<!-- Generated by `ncl doc` from the library's descriptors; do not edit. "
-           "Rebuild with `cmake --build build --target reference`. -->\n\n";
+    std::string libName = U(li->name);
+    out << "# " << libName << " class library reference\n\n";
+    out << "<!-- Generated by `ncl doc` from the library's descriptors and the behaviour notes beside the "
+           "class sources; do not edit. Rebuild with `cmake --build build --target reference`. -->\n\n";
     if (li->description && *li->description) out << Md(li->description) << "\n\n";
     out << "Version " << Number(li->version) << ", " << recs.size() << " classes and interfaces.\n\n";
-    for (tagTBaseTypeInfo* r : recs) {
-        std::string rn = lib->RecordName(r);
-        std::string anchor;  // GitHub's: punctuation dropped, blanks as '-'
-        for (char ch : U(r->name)) {
-            if (ch == ' ') anchor += '-';
-            else if (static_cast<unsigned char>(ch) >= 0x80 || std::isalnum(static_cast<unsigned char>(ch)) ||
-                     ch == '-' || ch == '_')
-                anchor += char(std::tolower(static_cast<unsigned char>(ch)));
-        }
-        out << "- [" << U(r->name) << "](#" << anchor << ")" << (IsInterface(r) ? " (interface)" : "") << "\n";
-    }
+    for (tagTBaseTypeInfo* r : recs)
+        out << "- " << ClassLink(lib, r->name) << (IsInterface(r) ? " (interface)" : "") << "\n";
     out << "\n";
     for (tagTBaseTypeInfo* r : recs) {
         std::string rn = lib->RecordName(r);
@@ -421,10 +550,11 @@ int DocLibrary(Library* lib, std::ostream& out, std::ostream& err) {
         if (IsInterface(r)) {
             out << "Interface" << (rn.empty() ? "" : " (record `" + rn + "`)") << ".\n\n";
         } else {
-            out << "- Base: " << (r->baseName && *r->baseName ? U(r->baseName) : "(root)") << "\n";
+            out << "- Base: " << (r->baseName && *r->baseName ? ClassLink(lib, r->baseName) : "(root)") << "\n";
             if (r->interfaceCount > 0 && r->interfaces) {
                 out << "- Implements:";
-                for (int i = 0; i < r->interfaceCount; ++i) out << (i ? ", " : " ") << U(r->interfaces[i].name);
+                for (int i = 0; i < r->interfaceCount; ++i)
+                    out << (i ? ", " : " ") << ClassLink(lib, r->interfaces[i].name);
                 out << "\n";
             }
             if (!rn.empty()) out << "- Record: `" << rn << "`\n";
@@ -432,68 +562,24 @@ int DocLibrary(Library* lib, std::ostream& out, std::ostream& err) {
             if (!hooks.empty()) out << "- Hooks: `" << hooks << "`\n";
             if (c) out << "- State at level " << (c->levels.size() - 1) << "\n";
             out << "\n";
-            if (r->elementCount > 0 && r->elements) {
-                out << "| Element | Type | Value | Description |\n|---|---|---|---|\n";
-                for (int i = 0; i < r->elementCount; ++i) {
-                    const tagElementItem& el = r->elements[i];
-                    out << "| " << (el.name && *el.name ? Md(el.name) : "(hidden)") << " | " << ShowTypeName(el.type)
-                        << " | " << (el.reserved[0] ? std::to_string(el.reserved[0]) : "") << " | "
-                        << Md(el.description) << " |\n";
-                }
-                out << "\n";
+            // The unnamed state words are the class's own business.
+            std::vector<std::vector<std::string>> rows;
+            for (int i = 0; i < r->elementCount && r->elements; ++i) {
+                const tagElementItem& el = r->elements[i];
+                if (!el.name || !*el.name) continue;
+                rows.push_back({Md(el.name), ShowTypeName(el.type),
+                                el.reserved[0] ? std::to_string(el.reserved[0]) : "", Md(el.description)});
             }
+            if (!rows.empty()) Table(out, {"Element", "Type", "Value", "Description"}, rows);
         }
-        int n = MethodCount(r);
-        tagMethodItem* ms = Methods(r);
-        bool anyProp = false;
-        for (int k = 0; k < n && ms; ++k) anyProp |= (ms[k].flags & 1) != 0;
-        if (anyProp) {
-            out << "| Property | Type | Access | Description |\n|---|---|---|---|\n";
-            std::vector<std::wstring> seen;
-            for (int k = 0; k < n; ++k) {
-                if (!(ms[k].flags & 1) || !ms[k].name) continue;
-                if (std::find(seen.begin(), seen.end(), std::wstring(ms[k].name)) != seen.end()) continue;
-                seen.push_back(ms[k].name);
-                int g = -1, s = -1;
-                for (int j = 0; j < n; ++j) {
-                    if (!ms[j].name || wcscmp(ms[j].name, ms[k].name)) continue;
-                    if (IsGetter(ms[j]) && g < 0) g = j;
-                    else if (IsSetter(ms[j]) && s < 0) s = j;
-                }
-                std::string type = g >= 0 ? ShowTypeName(ms[g].returnType)
-                                          : s >= 0 ? ShowTypeName(ms[s].params[0].type) : "?";
-                std::string access = g >= 0 && s >= 0 ? "read, write" : g >= 0 ? "read" : s >= 0 ? "write" : "?";
-                std::string desc = g >= 0 && ms[g].description && *ms[g].description ? Md(ms[g].description)
-                                   : s >= 0 && ms[s].params[0].description ? Md(ms[s].params[0].description) : "";
-                out << "| " << Md(ms[k].name) << " | " << type << " | " << access << " | " << desc << " |\n";
-            }
-            out << "\n";
-        }
-        bool anyMethod = false;
-        for (int k = 0; k < n && ms; ++k) anyMethod |= !(ms[k].flags & 1);
-        if (anyMethod) {
-            out << "| # | " << (IsInterface(r) ? "Member" : "Method") << " | Returns | Flags | Description |\n"
-                << "|---|---|---|---|---|\n";
-            for (int k = 0; k < n; ++k) {
-                const tagMethodItem& m = ms[k];
-                if (m.flags & 1) continue;
-                std::string sig = U(m.name) + "(";
-                for (int p = 0; p < m.paramCount && m.params; ++p)
-                    sig += (p ? ", " : "") + U(m.params[p].name) + ": " + ShowTypeName(m.params[p].type);
-                sig += ")";
-                std::string flags = (m.flags & ZEL_METHOD_STATIC_BIT) ? "static" : "";
-                if (m.flags & ZEL_METHOD_CONSTRUCTOR_BIT) flags += flags.empty() ? "constructor" : ", constructor";
-                std::string note;
-                if (c && !IsInterface(r)) {
-                    Binding b = BindMethod(c, k);
-                    if (!b.boundTo.empty()) note = " (bound to `" + b.boundTo + "`)";
-                }
-                out << "| " << (k + 1) << " | " << Md(sig) << " | " << ShowTypeName(m.returnType) << " | " << flags
-                    << " | " << Md(m.description) << note << " |\n";
-            }
-            out << "\n";
-        }
+        PropertyTable(out, Methods(r), MethodCount(r));
+        MethodTable(out, r, c);
+        InheritedMembers(out, lib, c);
+        if (const char* notes = ClassNotes(libName, rn); notes && *notes) out << "### Behaviour\n\n" << notes << "\n";
     }
+    std::string text = out.str();
+    while (text.ends_with("\n\n")) text.pop_back();  // one newline ends the file
+    target << text;
     (void)err;
     return 0;
 }

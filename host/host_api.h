@@ -182,9 +182,37 @@ struct RunOptions {
     bool audit = false;  // findings fail the run
 };
 // Runs a script; returns the exit status (0 success). Output of `print` goes
-// to out, diagnostics ("FILE:LINE: message") and audit findings to err.
+// to out; the first error ("FILE:LINE:COLUMN: error: message", the source line
+// and a caret line) stops the run; it and the audit findings go to err.
+// A script that is not valid UTF-8 is refused before any line runs.
 ZELHOST_API int RunScript(std::istream& in, const std::string& file, const RunOptions& options, std::ostream& out,
                           std::ostream& err);
+
+// Script lines run one at a time, as `ncl run` and `ncl repl` run them.
+class ZELHOST_API ScriptSession {
+public:
+    ScriptSession(const std::string& file, std::ostream& out, std::ostream& err);
+    ~ScriptSession();
+    ScriptSession(const ScriptSession&) = delete;
+    ScriptSession& operator=(const ScriptSession&) = delete;
+    // Runs the next line; `echo` prints the value of an expression statement.
+    // False after an error, whose diagnostic has gone to err.
+    bool RunLine(const std::string& raw, bool echo);
+    // Counts a line that is not a statement (a command of the REPL).
+    void SkipLine();
+    // Whole-word replacements for the word before the cursor: variables,
+    // keywords, namespaces, class names, and the members of a variable's class.
+    std::vector<std::string> Complete(const std::string& word);
+    // Drops the variables (last defined first), then audits and frees every
+    // handle. The session can go on afresh. False when dropping them made a
+    // library report an error (printed to err).
+    bool End(std::vector<Finding>& findings);
+
+    struct State;
+
+private:
+    State* state_;
+};
 
 // Descriptions of a library; each returns the exit status.
 ZELHOST_API int ListLibrary(Library* lib, std::ostream& out, std::ostream& err);

@@ -247,8 +247,10 @@ Library* LibraryForClass(const std::wstring& className, std::string* error) {
     if (error) {
         if (paths.empty())
             *error = "no class library " + file + ": ZELCLS_PATHS is not set";
-        else
-            *error = "no class library " + file + " in ZELCLS_PATHS";
+        else {
+            *error = "no class library " + file + " in ZELCLS_PATHS; searched";
+            for (size_t k = 0; k < paths.size(); ++k) *error += (k ? ", " : " ") + paths[k];
+        }
     }
     return nullptr;
 }

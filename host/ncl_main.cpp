@@ -2,8 +2,10 @@
 // runtime host 系统.ncl.
 #include <dlfcn.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -13,6 +15,7 @@
 #include <string>
 
 #include "host/host_api.h"
+#include "host/repl.h"
 
 namespace {
 
@@ -80,15 +83,42 @@ void InstallCrashReport() {
 #endif
 }
 
+const char kUsage[] =
+    "usage:\n"
+    "  ncl list LIB            the library record and its classes, one line each\n"
+    "  ncl show LIB CLASS      one class: base, interfaces, elements, properties, methods, hooks\n"
+    "  ncl check LIB           conformance check of the descriptors (non-zero exit on a finding)\n"
+    "  ncl doc LIB             Markdown reference of every class\n"
+    "  ncl run [--audit] SCRIPT|-   run a script; the first error stops it (exit 1)\n"
+    "  ncl repl [LIB...]       statements one line at a time (also plain `ncl` on a terminal)\n"
+    "  ncl help, ncl --help    this text\n"
+    "  ncl --version           the version of ncl and of the runtime host\n"
+    "LIB is a path to a .ncl file, or a library name looked up in ZELCLS_PATHS.\n";
+
+// A command line ncl cannot follow: the usage on standard error, exit 2.
 int Usage(std::ostream& err) {
-    err << "usage:\n"
-           "  ncl list LIB            the library record and its classes, one line each\n"
-           "  ncl show LIB CLASS      one class: base, interfaces, elements, properties, methods, hooks\n"
-           "  ncl check LIB           conformance check of the descriptors (non-zero exit on a finding)\n"
-           "  ncl doc LIB             Markdown reference of every class\n"
-           "  ncl run [--audit] SCRIPT|-   run a script (see docs/runtime-abi.md)\n"
-           "LIB is a path to a .ncl file, or a library name looked up in ZELCLS_PATHS.\n";
+    err << kUsage;
     return 2;
+}
+
+int Unknown(const std::string& what, const std::string& arg, std::ostream& err) {
+    err << "ncl: unknown " << what << " '" << arg << "' (ncl help lists the commands and options)\n";
+    return 2;
+}
+
+int RunFile(const std::string& script, const zelhost::RunOptions& opt, std::ostream& out, std::ostream& err) {
+    if (script == "-") return zelhost::RunScript(std::cin, "-", opt, out, err);
+    struct stat st {};
+    if (stat(script.c_str(), &st) == 0 && S_ISDIR(st.st_mode)) {
+        err << "ncl: cannot run " << script << ": it is a folder\n";
+        return 2;
+    }
+    std::ifstream in(script);
+    if (!in) {
+        err << "ncl: cannot open " << script << ": " << std::strerror(errno) << "\n";
+        return 2;
+    }
+    return zelhost::RunScript(in, script, opt, out, err);
 }
 
 // When ZELCLS_PATHS is unset, the directory of 系统.ncl stands in for it, so
@@ -125,29 +155,35 @@ int main(int argc, char** argv) {
     std::ostream out(&outBuf), err(&errBuf);
     DefaultSearchPath();
     InstallCrashReport();
-    if (argc < 2) return Usage(err);
+    if (argc < 2) {
+        if (isatty(0)) return ncl::RunRepl({}, out, err);
+        return Usage(err);
+    }
     std::string cmd = argv[1];
     int status = 0;
-    if (cmd == "run") {
+    if (cmd == "help" || cmd == "--help" || cmd == "-h") {
+        out << kUsage;
+    } else if (cmd == "run") {
         zelhost::RunOptions opt;
         std::string script;
         for (int i = 2; i < argc; ++i) {
             std::string a = argv[i];
             if (a == "--audit") opt.audit = true;
+            else if (a.size() > 1 && a[0] == '-') return Unknown("option", a, err);
             else if (script.empty()) script = a;
             else return Usage(err);
         }
         if (script.empty()) return Usage(err);
-        if (script == "-") {
-            status = zelhost::RunScript(std::cin, "-", opt, out, err);
-        } else {
-            std::ifstream in(script);
-            if (!in) {
-                err << "ncl: cannot open " << script << "\n";
-                return 2;
-            }
-            status = zelhost::RunScript(in, script, opt, out, err);
+        status = RunFile(script, opt, out, err);
+    } else if (cmd == "repl") {
+        std::vector<zelhost::Library*> libs;
+        for (int i = 2; i < argc; ++i) {
+            if (argv[i][0] == '-') return Unknown("option", argv[i], err);
+            zelhost::Library* lib = Open(argv[i], err);
+            if (!lib) return 2;
+            libs.push_back(lib);
         }
+        status = ncl::RunRepl(libs, out, err);
     } else if (cmd == "list" || cmd == "check" || cmd == "doc") {
         if (argc != 3) return Usage(err);
         zelhost::Library* lib = Open(argv[2], err);
@@ -161,7 +197,7 @@ int main(int argc, char** argv) {
         if (!lib) return 2;
         status = zelhost::ShowClass(lib, zelhost::FromUtf8(argv[3]), out, err);
     } else {
-        return Usage(err);
+        return Unknown(cmd[0] == '-' ? "option" : "command", cmd, err);
     }
     out.flush();
     err.flush();

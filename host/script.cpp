@@ -1,5 +1,5 @@
 // Scripts, part three: running the statements of a script (print, expect,
-// assignments, load) and the audit at its end.
+// assignments, load) one line at a time, and the audit at its end.
 #include <algorithm>
 #include <cstring>
 #include <istream>
@@ -45,132 +45,186 @@ int Compare(const Value& a, const Value& b, bool& comparable, bool& ordered) {
     comparable = false;
     return 2;
 }
+// One statement; throws ScriptError. `echo` prints an expression statement's value.
+void Execute(Interp& it, const Statement& st, const std::string& src, bool echo, std::ostream& out) {
+    auto failAt = [&st](const std::string& msg) { throw ScriptError{msg, false, false, st.col, st.width}; };
+    switch (st.kind) {
+        case StmtKind::Print: {
+            std::string text;
+            for (size_t k = 0; k < st.exprs.size(); ++k) {
+                Value v = it.Eval(*st.exprs[k]);
+                if (v.kind == VK::Void)
+                    throw ScriptError{"nothing to print: the call yields no value", false, false, st.exprs[k]->col,
+                                      st.exprs[k]->width};
+                text += (k ? " " : "") + FormatValue(v);
+            }
+            out << text << '\n';
+            out.flush();  // keep printed lines if a later call crashes the process
+            break;
+        }
+        case StmtKind::Expect: {
+            Value a = it.Eval(*st.exprs[0]);
+            if (a.kind == VK::Void) failAt("nothing to compare: the call yields no value");
+            if (st.exprs.size() == 1) {
+                bool truth = (a.kind == VK::Int || a.kind == VK::Bool) ? a.i != 0 :
+                             a.kind == VK::Double ? a.d != 0 : a.kind != VK::Null;
+                if (!truth) failAt("expect failed: " + src + " (value " + FormatValue(a) + ")");
+                break;
+            }
+            Value b = it.Eval(*st.exprs[1]);
+            if (b.kind == VK::Void) failAt("nothing to compare: the call yields no value");
+            bool comparable, ordered;
+            int c = Compare(a, b, comparable, ordered);
+            const std::wstring& op = st.op;
+            bool pass;
+            if (op == L"==") pass = c == 0;
+            else if (op == L"!=") pass = c != 0;
+            else {
+                if (!ordered && comparable && c != 2) ordered = true;
+                if (!comparable || !ordered) failAt("cannot order " + FormatValue(a) + " and " + FormatValue(b));
+                pass = op == L"<" ? c < 0 : op == L">" ? c > 0 : op == L"<=" ? c <= 0 : c >= 0;
+            }
+            if (!pass) failAt("expect failed: " + src + " (left " + FormatValue(a) + ", right " + FormatValue(b) + ")");
+            break;
+        }
+        case StmtKind::ExpectError: {
+            bool raised = false;
+            Value v;
+            try {
+                v = it.Eval(*st.exprs[0]);
+            } catch (const ScriptError& e) {
+                if (!e.raised && !e.reported) throw;
+                raised = true;
+            }
+            if (!raised)
+                failAt("expect failed: " + src + " did not raise" +
+                       (v.kind == VK::Void ? std::string() : " (it gave " + FormatValue(v) + ")"));
+            break;
+        }
+        case StmtKind::Assign: it.Assign(*st.exprs[0], *st.exprs[1]); break;
+        case StmtKind::Eval: {
+            Value v = it.Eval(*st.exprs[0]);
+            if (echo && v.kind != VK::Void) {
+                out << FormatValue(v) << '\n';
+                out.flush();
+            }
+            break;
+        }
+        case StmtKind::Load: {
+            std::string e;
+            if (!OpenLibrary(st.path, &e)) failAt(e);
+            break;
+        }
+        case StmtKind::Empty: break;
+    }
+}
 
 }  // namespace
 
-int RunScript(std::istream& in, const std::string& file, const RunOptions& options, std::ostream& out,
-              std::ostream& err) {
-    std::ostringstream reportSink;
-    SetReportStream(&reportSink);
-    Interp it;
-    it.reportMark = ReportCount();
+ScriptSession::ScriptSession(const std::string& file, std::ostream& out, std::ostream& err)
+    : state_(new State(file, out, err)) {
+    SetReportStream(&state_->reportSink);
+    state_->interp.reportMark = ReportCount();
     TakeReports();
-    int failures = 0;
-    std::string raw;
-    int lineNo = 0;
-    while (std::getline(in, raw)) {
-        ++lineNo;
-        std::wstring line = FromUtf8(raw);
-        std::string where = file + ":" + std::to_string(lineNo);
-        auto fail = [&](const std::string& msg) {
-            out.flush();
-            err << where << ": " << msg << std::endl;
-            ++failures;
-        };
-        Statement st;
-        try {
-            st = Parse(line);
-        } catch (const ScriptError& e) {
-            fail("syntax error: " + e.message);
-            continue;
-        }
-        if (st.kind == StmtKind::Empty) continue;
-        std::string src = Trim(line);
-        BeginStatement(where);
-        try {
-            switch (st.kind) {
-                case StmtKind::Print: {
-                    std::string text;
-                    for (size_t k = 0; k < st.exprs.size(); ++k) {
-                        Value v = it.Eval(*st.exprs[k]);
-                        if (v.kind == VK::Void) throw ScriptError{"nothing to print: the call yields no value"};
-                        text += (k ? " " : "") + FormatValue(v);
-                    }
-                    out << text << '\n';
-                    out.flush();  // keep printed lines if a later call crashes the process
-                    break;
-                }
-                case StmtKind::Expect: {
-                    Value a = it.Eval(*st.exprs[0]);
-                    if (a.kind == VK::Void) throw ScriptError{"nothing to compare: the call yields no value"};
-                    if (st.exprs.size() == 1) {
-                        bool truth = (a.kind == VK::Int || a.kind == VK::Bool) ? a.i != 0 :
-                                     a.kind == VK::Double ? a.d != 0 : a.kind != VK::Null;
-                        if (!truth) fail("expect failed: " + src + " (value " + FormatValue(a) + ")");
-                        break;
-                    }
-                    Value b = it.Eval(*st.exprs[1]);
-                    if (b.kind == VK::Void) throw ScriptError{"nothing to compare: the call yields no value"};
-                    bool comparable, ordered;
-                    int c = Compare(a, b, comparable, ordered);
-                    const std::wstring& op = st.op;
-                    bool pass;
-                    if (op == L"==") pass = c == 0;
-                    else if (op == L"!=") pass = c != 0;
-                    else {
-                        if (!ordered && comparable && c != 2) ordered = true;
-                        if (!comparable || !ordered)
-                            throw ScriptError{"cannot order " + FormatValue(a) + " and " + FormatValue(b)};
-                        pass = op == L"<" ? c < 0 : op == L">" ? c > 0 : op == L"<=" ? c <= 0 : c >= 0;
-                    }
-                    if (!pass)
-                        fail("expect failed: " + src + " (left " + FormatValue(a) + ", right " + FormatValue(b) + ")");
-                    break;
-                }
-                case StmtKind::ExpectError: {
-                    bool raised = false;
-                    Value v;
-                    try {
-                        v = it.Eval(*st.exprs[0]);
-                    } catch (const ScriptError& e) {
-                        if (!e.raised && !e.reported) throw;
-                        raised = true;
-                    }
-                    if (!raised)
-                        fail("expect failed: " + src + " did not raise" +
-                             (v.kind == VK::Void ? std::string() : " (it gave " + FormatValue(v) + ")"));
-                    break;
-                }
-                case StmtKind::Assign: it.Assign(*st.exprs[0], *st.exprs[1]); break;
-                case StmtKind::Eval: it.Eval(*st.exprs[0]); break;
-                case StmtKind::Load: {
-                    std::string e;
-                    if (!OpenLibrary(st.path, &e)) throw ScriptError{e};
-                    break;
-                }
-                case StmtKind::Empty: break;
-            }
-        } catch (const ScriptError& e) {
-            fail(e.message);
-        }
-        EndStatement();
-        // Reports made by hooks when the statement's temporaries went.
-        try {
-            it.CheckReports();
-        } catch (const ScriptError& e) {
-            fail(e.message);
-        }
+}
+
+ScriptSession::~ScriptSession() {
+    SetReportStream(nullptr);
+    delete state_;
+}
+
+bool ScriptSession::RunLine(const std::string& raw, bool echo) {
+    State& s = *state_;
+    int lineNo = ++s.lineNo;
+    std::wstring line = FromUtf8(raw);
+    auto report = [&](const ScriptError& e) {
+        s.out.flush();
+        s.err << FormatDiagnostic(s.file, lineNo, line, e.col, e.width, e.message);
+        s.err.flush();
+        return false;
+    };
+    size_t bad = 0;
+    if (FindBadUtf8(raw, bad)) {
+        ScriptError e;
+        e.message = BadUtf8Message(raw, bad, e.col);
+        e.width = 1;
+        return report(e);
     }
-    // Drop the variables, last defined first, then audit.
-    BeginStatement(file + ":end");
+    Statement st;
+    try {
+        st = Parse(line);
+    } catch (const ScriptError& e) {
+        ScriptError syntax = e;
+        syntax.message = "syntax error: " + e.message;
+        return report(syntax);
+    }
+    if (st.kind == StmtKind::Empty) return true;
+    bool ok = true;
+    BeginStatement(s.file + ":" + std::to_string(lineNo));
+    try {
+        Execute(s.interp, st, Trim(line), echo, s.out);
+    } catch (const ScriptError& e) {
+        ok = report(e);
+    }
+    EndStatement();
+    // Reports made by hooks when the statement's temporaries went.
+    try {
+        s.interp.CheckReports();
+    } catch (const ScriptError& e) {
+        if (ok) ok = report(e);
+    }
+    return ok;
+}
+
+void ScriptSession::SkipLine() { ++state_->lineNo; }
+
+bool ScriptSession::End(std::vector<Finding>& findings) {
+    State& s = *state_;
+    Interp& it = s.interp;
+    BeginStatement(s.file + ":end");
     for (size_t k = it.order.size(); k-- > 0;) {
         Value v = it.vars[it.order[k]];
         if (it.IsHandle(v)) Release(v.h);
     }
     it.vars.clear();
+    it.order.clear();
     EndStatement();
+    bool clean = true;
     try {
         it.CheckReports();
     } catch (const ScriptError& e) {
-        err << file << ":end: " << e.message << std::endl;
-        ++failures;
+        s.err << s.file << ":end: error: " << e.message << std::endl;
+        clean = false;
     }
-    std::vector<Finding> findings = AuditAndReset();
+    findings = AuditAndReset();
+    it.lastSuccess = 1;
+    return clean;
+}
+
+int RunScript(std::istream& in, const std::string& file, const RunOptions& options, std::ostream& out,
+              std::ostream& err) {
+    std::vector<std::string> lines;
+    for (std::string raw; std::getline(in, raw);) lines.push_back(raw);
+    // Text in another encoding would turn into wrong names and U+FFFD: refuse it whole.
+    for (size_t k = 0; k < lines.size(); ++k) {
+        size_t bad = 0;
+        if (!FindBadUtf8(lines[k], bad)) continue;
+        int col = 0;
+        std::string msg = BadUtf8Message(lines[k], bad, col);
+        err << FormatDiagnostic(file, int(k) + 1, FromUtf8(lines[k]), col, 1, msg);
+        err.flush();
+        return 1;
+    }
+    ScriptSession session(file, out, err);
+    bool ok = true;
+    for (const std::string& raw : lines)
+        if (!(ok = session.RunLine(raw, false))) break;
+    std::vector<Finding> findings;
+    if (!session.End(findings)) ok = false;
     for (const Finding& f : findings) err << file << ": audit: " << f.message << std::endl;
-    SetReportStream(nullptr);
     out.flush();
     err.flush();
-    if (failures) return 1;
+    if (!ok) return 1;
     if (options.audit && !findings.empty()) return 1;
     return 0;
 }

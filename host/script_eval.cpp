@@ -1,8 +1,63 @@
 // Scripts, part two: evaluating expressions: literals, variables, new objects,
 // static and object method calls, property reads and writes.
+#include <algorithm>
+#include <cstdlib>
+
 #include "host/script_internal.h"
 
 namespace zelhost::script {
+// The member names of a class and its bases; properties only when `propertiesOnly`.
+std::vector<std::wstring> MemberNames(ClassInfo* cls, bool propertiesOnly) {
+    std::vector<std::wstring> names;
+    for (const Level& lv : cls->levels) {
+        ClassInfo* c = lv.cls;
+        if (!c || c->kind == ZEL_KIND_INTERFACE || !c->methods()) continue;
+        for (int k = 0; k < c->methodCount(); ++k) {
+            const tagMethodItem& m = c->methods()[k];
+            if (m.name && (!propertiesOnly || (m.flags & ZEL_METHOD_PROPERTY_BIT))) names.push_back(m.name);
+        }
+    }
+    return names;
+}
+
+namespace {
+
+// FindClass's message, with the closest class of the namespace's library, or
+// the closest library when there is none.
+std::string ClassError(const std::wstring& name, const std::string& err) {
+    Library* lib = LibraryForClass(name, nullptr);
+    if (!lib) {
+        std::wstring rest = name.substr(std::min(name.find(L'.'), name.size()));
+        std::vector<std::wstring> names;
+        for (const std::wstring& ns : Namespaces()) names.push_back(ns + rest);
+        return err + DidYouMean(name, names);
+    }
+    if (lib->Find(name)) return err;
+    std::vector<std::wstring> names;
+    for (tagTBaseTypeInfo* rec : lib->Records())
+        if (rec && rec->name) names.push_back(rec->name);
+    return err + DidYouMean(name, names);
+}
+
+// A call refused for one of its arguments ("…: argument 2 (名): expected 整数,
+// got 文本") points at that argument.
+void PointAtArgument(ScriptError& x, const Expr& call) {
+    static const char kTag[] = ": argument ";
+    size_t at = x.message.find(kTag);
+    if (x.raised || at == std::string::npos) return;
+    int k = std::atoi(x.message.c_str() + at + sizeof kTag - 1);
+    if (k < 1 || size_t(k) > call.args.size()) return;
+    x.col = call.args[size_t(k) - 1]->col;
+    x.width = call.args[size_t(k) - 1]->width;
+}
+
+}  // namespace
+
+std::vector<std::wstring> Interp::VariableNames() const {
+    std::vector<std::wstring> names;
+    for (auto& v : vars) names.push_back(v.first);
+    return names;
+}
 
 bool Interp::IsHandle(const Value& v) const {
     return !v.foreign && v.h &&
@@ -68,7 +123,7 @@ bool Interp::Resolve(ClassInfo* cls, const std::wstring& name, int argc, int mod
     }
     std::string full = ToUtf8(cls->name) + "." + ToUtf8(name);
     if (!nameSeen)
-        err = (mode == 0 ? "unknown method " : "unknown property ") + full;
+        err = (mode == 0 ? "unknown method " : "unknown property ") + full + DidYouMean(name, MemberNames(cls, mode != 0));
     else if (mode == 1 && counts.empty())
         err = full + " is not a readable property (call it with ())";
     else if (mode == 2 && counts.empty())
@@ -131,8 +186,8 @@ std::vector<Value> Interp::EvalArgs(const Expr& e) {
 
 ZelObject* Interp::ObjectOf(const Expr& base, ClassInfo*& cls) {
     Value b = Eval(base);
-    if (b.kind == VK::Null) throw ScriptError{"null object"};
-    if (b.kind != VK::Object) throw ScriptError{"not an object: " + FormatValue(b)};
+    if (b.kind == VK::Null) throw ScriptError{"null object", false, false, base.col, base.width};
+    if (b.kind != VK::Object) throw ScriptError{"not an object: " + FormatValue(b), false, false, base.col, base.width};
     auto* obj = static_cast<ZelObject*>(b.h);
     cls = ObjectClass(obj);
     if (!cls) throw ScriptError{"the object is not one the host made"};
@@ -140,7 +195,21 @@ ZelObject* Interp::ObjectOf(const Expr& base, ClassInfo*& cls) {
     return obj;
 }
 
+// An error that names no token of its own points at the expression that failed.
 Value Interp::Eval(const Expr& e) {
+    try {
+        return EvalNode(e);
+    } catch (ScriptError& x) {
+        if (x.col < 0 && e.kind == Expr::Member && e.call) PointAtArgument(x, e);
+        if (x.col < 0) {
+            x.col = e.col;
+            x.width = e.width;
+        }
+        throw;
+    }
+}
+
+Value Interp::EvalNode(const Expr& e) {
     switch (e.kind) {
         case Expr::Lit: return e.lit;
         case Expr::TextLit: return Hold(Value::Handle(VK::Text, NewText(e.text.c_str())));
@@ -149,7 +218,7 @@ Value Interp::Eval(const Expr& e) {
         case Expr::Ok: return Value::Bool(lastSuccess);
         case Expr::Var: {
             auto it = vars.find(e.text);
-            if (it == vars.end()) throw ScriptError{"unknown variable " + ToUtf8(e.text)};
+            if (it == vars.end()) throw ScriptError{"unknown variable " + ToUtf8(e.text) + DidYouMean(e.text, VariableNames())};
             if (IsHandle(it->second) && RefCount(it->second.h) == -2)
                 throw ScriptError{"variable " + ToUtf8(e.text) + " holds a freed value (released too often): " +
                                   DescribeHandle(it->second.h)};
@@ -158,7 +227,7 @@ Value Interp::Eval(const Expr& e) {
         case Expr::New: {
             std::string err;
             ClassInfo* cls = FindClass(e.text, &err);
-            if (!cls) throw ScriptError{err};
+            if (!cls) throw ScriptError{ClassError(e.text, err)};
             if (cls->kind == ZEL_KIND_INTERFACE) throw ScriptError{ToUtf8(e.text) + " is an interface"};
             ZelObject* obj = NewObject(cls, &err);
             Value v = Hold(Value::Handle(VK::Object, obj));
@@ -173,9 +242,12 @@ Value Interp::Eval(const Expr& e) {
         std::string err;
         ClassInfo* cls = FindClass(path, &err);
         if (!cls) {
-            if (e.base->kind == Expr::Var && path.find(L'.') == std::wstring::npos)
-                throw ScriptError{"unknown variable " + ToUtf8(path)};
-            throw ScriptError{err};
+            if (e.base->kind == Expr::Var)
+                throw ScriptError{"unknown variable " + ToUtf8(path) + DidYouMean(path, VariableNames()), false, false,
+                                  e.base->col, e.base->width};
+            const Expr* root = e.base.get();
+            while (root->base) root = root->base.get();
+            throw ScriptError{ClassError(path, err), false, false, root->col, e.col - 1 - root->col};
         }
         if (!e.call) {
             // An enumeration member: an element whose value is kept in its first reserved word.
@@ -226,7 +298,13 @@ void Interp::Assign(const Expr& target, const Expr& valueExpr) {
     }
     // Property write.
     std::wstring path;
-    if (ClassPath(*target.base, path)) throw ScriptError{"cannot assign to a static member"};
+    if (ClassPath(*target.base, path)) {
+        // A name that is neither a variable nor a class is a misspelt variable.
+        if (target.base->kind == Expr::Var && !FindClass(path, nullptr))
+            throw ScriptError{"unknown variable " + ToUtf8(path) + DidYouMean(path, VariableNames()), false, false,
+                              target.base->col, target.base->width};
+        throw ScriptError{"cannot assign to a static member", false, false, target.col, target.width};
+    }
     ClassInfo* cls = nullptr;
     ZelObject* obj = ObjectOf(*target.base, cls);
     Value v = Eval(valueExpr);
@@ -234,8 +312,17 @@ void Interp::Assign(const Expr& target, const Expr& valueExpr) {
     ClassInfo* owner = nullptr;
     int idx = -1;
     std::string err;
-    if (!Resolve(cls, target.text, 1, 2, owner, idx, err)) throw ScriptError{err};
-    Finish(CallMethod(obj, owner, idx, {v}));
+    if (!Resolve(cls, target.text, 1, 2, owner, idx, err))
+        throw ScriptError{err, false, false, target.col, target.width};
+    try {
+        Finish(CallMethod(obj, owner, idx, {v}));
+    } catch (ScriptError& x) {
+        if (x.col < 0) {
+            x.col = target.col;
+            x.width = target.width;
+        }
+        throw;
+    }
 }
 
 }  // namespace zelhost::script

@@ -17,7 +17,17 @@ struct Token {
     std::string bytes;   // byte-set literal
     int32_t i = 0;
     double d = 0;
+    int col = 0;  // first character and length in the line
+    int width = 0;
 };
+
+// Parentheses, arguments and member chains nest at most this deep, so that a
+// hostile line cannot exhaust the stack of the parser or the evaluator.
+constexpr int kMaxNesting = 200;
+
+[[noreturn]] void Fail(const std::string& message, size_t col, size_t width) {
+    throw ScriptError{message, false, false, int(col), int(width)};
+}
 
 bool IsOpChar(wchar_t c) { return wcschr(L".(),=!<>\"#", c) != nullptr; }
 bool IsSpace(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\r' || c == L'\n' || c == 0x3000 || c == 0xFEFF; }
@@ -33,11 +43,21 @@ int HexDigit(wchar_t c) {
 std::vector<Token> Tokenize(const std::wstring& line) {
     std::vector<Token> out;
     size_t i = 0, n = line.size();
+    auto push = [&out](Token& t, size_t start, size_t end) {
+        t.col = int(start);
+        t.width = int(end - start);
+        out.push_back(t);
+    };
+    auto checkLookAlike = [&line](size_t at) {
+        if (char ascii = LookAlike(line[at])) Fail(LookAlikeMessage(line[at], ascii), at, 1);
+    };
     while (i < n) {
         wchar_t c = line[i];
         if (IsSpace(c)) { ++i; continue; }
         if (c == L'#') break;
+        checkLookAlike(i);
         Token t;
+        size_t start = i;
         if (c == L'"' || (c == L'x' && i + 1 < n && line[i + 1] == L'"')) {
             bool bin = c == L'x';
             i += bin ? 2 : 1;
@@ -56,21 +76,21 @@ std::vector<Token> Tokenize(const std::wstring& line) {
                         case L'0': s += L'\0'; break;
                         case L'"': s += L'"'; break;
                         case L'\\': s += L'\\'; break;
-                        default: throw ScriptError{"unknown escape \\" + ToUtf8(std::wstring(1, e))};
+                        default: Fail("unknown escape \\" + ToUtf8(std::wstring(1, e)), i - 2, 2);
                     }
                     continue;
                 }
                 s += ch;
             }
-            if (!closed) throw ScriptError{"unterminated text literal"};
+            if (!closed) Fail("unterminated text literal", start, 1);
             if (bin) {
                 std::wstring hex;
                 for (wchar_t h : s)
                     if (!IsSpace(h)) hex += h;
-                if (hex.size() % 2) throw ScriptError{"byte set literal needs an even number of hex digits"};
+                if (hex.size() % 2) Fail("byte set literal needs an even number of hex digits", start, i - start);
                 for (size_t k = 0; k < hex.size(); k += 2) {
                     int a = HexDigit(hex[k]), b = HexDigit(hex[k + 1]);
-                    if (a < 0 || b < 0) throw ScriptError{"bad hex digit in byte set literal"};
+                    if (a < 0 || b < 0) Fail("bad hex digit in byte set literal", start, i - start);
                     t.bytes += char(a * 16 + b);
                 }
                 t.type = T::Bin;
@@ -78,11 +98,10 @@ std::vector<Token> Tokenize(const std::wstring& line) {
                 t.type = T::Text;
                 t.text = s;
             }
-            out.push_back(t);
+            push(t, start, i);
             continue;
         }
         if (IsDigit(c) || ((c == L'-' || c == L'+') && i + 1 < n && (IsDigit(line[i + 1]) || line[i + 1] == L'.'))) {
-            size_t start = i;
             ++i;
             bool isDouble = false;
             while (i < n && (IsDigit(line[i]) || line[i] == L'.' || line[i] == L'e' || line[i] == L'E' ||
@@ -103,11 +122,11 @@ std::vector<Token> Tokenize(const std::wstring& line) {
                 long long v = 0;
                 r = std::from_chars(first, last, v);
                 if (r.ec == std::errc::result_out_of_range || v < INT32_MIN || v > INT32_MAX)
-                    throw ScriptError{"integer out of range: " + num};
+                    Fail("integer out of range: " + num, start, i - start);
                 t.i = int32_t(v);
             }
-            if (r.ec != std::errc() || r.ptr != last) throw ScriptError{"bad number: " + num};
-            out.push_back(t);
+            if (r.ec != std::errc() || r.ptr != last) Fail("bad number: " + num, start, i - start);
+            push(t, start, i);
             continue;
         }
         if (IsOpChar(c)) {
@@ -116,20 +135,20 @@ std::vector<Token> Tokenize(const std::wstring& line) {
                 t.text = line.substr(i, 2);
                 i += 2;
             } else {
-                if (c == L'!') throw ScriptError{"unexpected '!'"};
+                if (c == L'!') Fail("unexpected '!'", i, 1);
                 t.text = std::wstring(1, c);
                 ++i;
             }
-            out.push_back(t);
+            push(t, start, i);
             continue;
         }
-        size_t start = i;
-        while (i < n && !IsSpace(line[i]) && !IsOpChar(line[i])) ++i;
+        while (i < n && !IsSpace(line[i]) && !IsOpChar(line[i])) checkLookAlike(i++);
         t.type = T::Ident;
         t.text = line.substr(start, i - start);
-        out.push_back(t);
+        push(t, start, i);
     }
-    out.push_back(Token{});
+    Token end;
+    push(end, n, n + 1);
     return out;
 }
 
@@ -137,12 +156,19 @@ std::vector<Token> Tokenize(const std::wstring& line) {
 struct Parser {
     std::vector<Token> toks;
     size_t pos = 0;
+    int depth = -1;  // the statement's own expressions are level 0
     const Token& Peek() const { return toks[pos]; }
     bool IsOp(const wchar_t* op) const { return Peek().type == T::Op && Peek().text == op; }
     bool IsIdent(const wchar_t* s) const { return Peek().type == T::Ident && Peek().text == s; }
     void Expect(const wchar_t* op) {
-        if (!IsOp(op)) throw ScriptError{"expected '" + ToUtf8(op) + "'" + Near()};
+        if (!IsOp(op)) FailHere("expected '" + ToUtf8(op) + "'" + Near());
         ++pos;
+    }
+    [[noreturn]] void FailHere(const std::string& message) const {
+        Fail(message, size_t(Peek().col), size_t(Peek().width));
+    }
+    void CheckNesting(int level) const {
+        if (level > kMaxNesting) FailHere("nested too deeply (more than " + std::to_string(kMaxNesting) + " levels)");
     }
     std::string Near() const {
         const Token& t = Peek();
@@ -153,7 +179,7 @@ struct Parser {
         }
     }
     std::wstring Name() {
-        if (Peek().type != T::Ident) throw ScriptError{"expected a name" + Near()};
+        if (Peek().type != T::Ident) FailHere("expected a name" + Near());
         return toks[pos++].text;
     }
     std::wstring DottedName() {
@@ -167,6 +193,8 @@ struct Parser {
     ExprP Primary() {
         const Token& t = Peek();
         auto e = std::make_unique<Expr>();
+        e->col = t.col;
+        e->width = t.width;
         switch (t.type) {
             case T::Int: e->lit = Value::Int(t.i); ++pos; return e;
             case T::Double: e->lit = Value::Double(t.d); ++pos; return e;
@@ -174,13 +202,14 @@ struct Parser {
             case T::Bin: e->kind = Expr::BinLit; e->bytes = t.bytes; ++pos; return e;
             case T::Op:
                 if (t.text == L"(") {
+                    CheckNesting(depth + 1);
                     ++pos;
                     ExprP inner = Postfix();
                     Expect(L")");
                     return inner;
                 }
-                throw ScriptError{"unexpected '" + ToUtf8(t.text) + "'"};
-            case T::End: throw ScriptError{"expected a value at end of line"};
+                FailHere("unexpected '" + ToUtf8(t.text) + "'");
+            case T::End: FailHere("expected a value at end of line");
             case T::Ident: break;
         }
         std::wstring w = t.text;
@@ -191,20 +220,27 @@ struct Parser {
         if (w == L"ok") { e->kind = Expr::Ok; return e; }
         if (w == L"new") {
             e->kind = Expr::New;
+            e->col = Peek().col;
             e->text = DottedName();
+            e->width = toks[pos - 1].col + toks[pos - 1].width - e->col;
             return e;
         }
-        if (IsKeyword(w)) throw ScriptError{"unexpected '" + ToUtf8(w) + "'"};
+        if (IsKeyword(w)) Fail("unexpected '" + ToUtf8(w) + "'", size_t(e->col), size_t(e->width));
         e->kind = Expr::Var;
         e->text = w;
         return e;
     }
     ExprP Postfix() {
+        CheckNesting(++depth);
         ExprP e = Primary();
+        int links = 0;
         while (IsOp(L".")) {
+            CheckNesting(depth + ++links);
             ++pos;
             auto m = std::make_unique<Expr>();
             m->kind = Expr::Member;
+            m->col = Peek().col;
+            m->width = Peek().width;
             m->text = Name();
             m->base = std::move(e);
             if (IsOp(L"(")) {
@@ -221,15 +257,19 @@ struct Parser {
             }
             e = std::move(m);
         }
+        --depth;
         return e;
     }
 };
 
 }  // namespace
 
+const wchar_t* const kKeywords[] = {L"new", L"print", L"expect", L"null", L"真", L"假", L"ok", L"load", nullptr};
+
 bool IsKeyword(const std::wstring& s) {
-    return s == L"new" || s == L"print" || s == L"expect" || s == L"null" || s == L"真" || s == L"假" ||
-           s == L"ok" || s == L"load";
+    for (const wchar_t* const* k = kKeywords; *k; ++k)
+        if (s == *k) return true;
+    return false;
 }
 
 Statement Parse(const std::wstring& line) {
@@ -261,12 +301,12 @@ Statement Parse(const std::wstring& line) {
                 ++p.pos;
                 st.exprs.push_back(p.Postfix());
             } else if (t.type == T::Op && t.text == L"=") {
-                throw ScriptError{"use '==' to compare"};
+                p.FailHere("use '==' to compare");
             }
         }
     } else if (p.IsIdent(L"load")) {
         ++p.pos;
-        if (p.Peek().type != T::Text) throw ScriptError{"load needs a path in quotes"};
+        if (p.Peek().type != T::Text) p.FailHere("load needs a path in quotes");
         st.kind = StmtKind::Load;
         st.path = ToUtf8(p.Peek().text);
         ++p.pos;
@@ -275,16 +315,27 @@ Statement Parse(const std::wstring& line) {
         if (p.IsOp(L"=")) {
             ++p.pos;
             bool ok = (e->kind == Expr::Var) || (e->kind == Expr::Member && !e->call);
-            if (!ok) throw ScriptError{"cannot assign to this"};
+            if (!ok) Fail("cannot assign to this", size_t(e->col), size_t(e->width));
             st.kind = StmtKind::Assign;
             st.exprs.push_back(std::move(e));
             st.exprs.push_back(p.Postfix());
         } else {
+            // A bare name followed by more text is a misspelt statement word: "prnt 1".
+            if (e->kind == Expr::Var && p.Peek().type != T::End && p.Peek().type != T::Op) {
+                std::string hint = DidYouMean(e->text, {L"print", L"expect", L"load"});
+                if (!hint.empty())
+                    Fail("unknown statement " + ToUtf8(e->text) + hint, size_t(e->col), size_t(e->width));
+            }
             st.kind = StmtKind::Eval;
             st.exprs.push_back(std::move(e));
         }
     }
-    if (p.Peek().type != T::End) throw ScriptError{"unexpected text" + p.Near()};
+    if (p.Peek().type != T::End) p.FailHere("unexpected text" + p.Near());
+    if (st.kind == StmtKind::Expect || st.kind == StmtKind::ExpectError) {
+        size_t first = st.kind == StmtKind::Expect ? 1 : 2, last = p.pos - 1;
+        st.col = p.toks[first].col;
+        st.width = p.toks[last].col + p.toks[last].width - st.col;
+    }
     return st;
 }
 

@@ -1,6 +1,7 @@
 # Runs ncl with ARGS (a ;-list joined with '|', as a ';' would split the test's
 # command line), feeding INPUT on standard input when given; checks the exit
-# status (STATUS) and that stdout contains OUT and stderr ERR.
+# status (STATUS), that stdout contains OUT and stderr ERR, and, when given,
+# that they equal the files OUT_FILE and ERR_FILE.
 set(ENV{ZELCLS_PATHS} "${PATHS}")
 string(REPLACE "|" ";" ARGS "${ARGS}")
 if(INPUT)
@@ -15,5 +16,11 @@ foreach(stream out err)
   string(FIND "${${stream}}" "${${want}}" pos)
   if(pos EQUAL -1)
     message(FATAL_ERROR "ncl ${ARGS}: ${stream} lacks \"${${want}}\"\n--- stdout:\n${out}\n--- stderr:\n${err}")
+  endif()
+  if(${want}_FILE)
+    file(READ ${${want}_FILE} exact)
+    if(NOT "${${stream}}" STREQUAL "${exact}")
+      message(FATAL_ERROR "ncl ${ARGS}: ${stream} differs from ${${want}_FILE}\n--- got:\n${${stream}}")
+    endif()
   endif()
 endforeach()

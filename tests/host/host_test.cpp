@@ -165,11 +165,14 @@ TEST(Refs, ObjectCopiesResolveToTheirObject) {
 
 // The deliberate leak is pinned by the ncl_cli.run_leak_* tests.
 TEST(Audit, OverReleaseAndForeignResultsAreReported) {
-    ScriptRun r = RunText("c = new 测试.计数器\nt = \"abc\"\nc.多释放(t)\nprint t\nc.多释放(t)\nprint c.外来()\n", true);
+    ScriptRun r = RunText("c = new 测试.计数器\nt = \"abc\"\nc.多释放(t)\nprint t\n", true);
     EXPECT_NE(r.status, 0);
-    EXPECT_EQ(r.out, "\"x\"\n");  // the freed value is not touched
-    ExpectAll(r.err, {"over-release", "文本 \"abc\" made at t.zs:2", "t.zs:4: variable t holds a freed value",
-                      "t.zs:5: variable t holds a freed value", "测试.计数器.外来 returned a 文本 the host never made"});
+    EXPECT_EQ(r.out, "");  // the freed value is not touched
+    ExpectAll(r.err, {"over-release", "文本 \"abc\" made at t.zs:2", "t.zs:4:7: error: variable t holds a freed value"});
+    ScriptRun foreign = RunText("c = new 测试.计数器\nprint c.外来()\n", true);
+    EXPECT_NE(foreign.status, 0);
+    EXPECT_EQ(foreign.out, "\"x\"\n");
+    ExpectAll(foreign.err, {"测试.计数器.外来 returned a 文本 the host never made"});
 }
 
 TEST(Audit, TakenOverBlocksConstantsTemporariesAndNewObjectsAreClean) {
@@ -194,41 +197,88 @@ TEST(Calls, IntDoubleAndPointerSignatures) {
 }
 
 TEST(Calls, ExceptionsAndReportedErrorsFailTheLine) {
-    ScriptRun r = RunText("c = new 测试.计数器\nc.抛出(0)\nc.抛出(1)\nc.抛出(2)\nc.报错()\nexpect error c.加(1)\n"
-                          "print c.值\n");
-    EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(r.out, "1\n");  // the run goes on after a failed line
-    ExpectAll(r.err, {"t.zs:2: 测试.计数器.抛出 raised an exception: basic_string::erase",
-                      "t.zs:3: 测试.计数器.抛出 raised an exception: narrow message",
-                      "t.zs:4: 测试.计数器.抛出 raised an exception: unknown exception",
-                      "t.zs:5: error reported: 类库\"测试\"中发生错误(3): 出错了",
-                      "t.zs:6: expect failed: expect error c.加(1) did not raise (it gave 1)"});
+    const std::pair<const char*, const char*> cases[] = {
+        {"c.抛出(0)", "t.zs:2:3: error: 测试.计数器.抛出 raised an exception: basic_string::erase"},
+        {"c.抛出(1)", "t.zs:2:3: error: 测试.计数器.抛出 raised an exception: narrow message\n    c.抛出(1)\n      ^~~~\n"},
+        {"c.抛出(2)", "t.zs:2:3: error: 测试.计数器.抛出 raised an exception: unknown exception"},
+        {"c.报错()", "t.zs:2:3: error: error reported: 类库\"测试\"中发生错误(3): 出错了"},
+        {"expect error c.加(1)", "t.zs:2:14: error: expect failed: expect error c.加(1) did not raise (it gave 1)"},
+    };
+    for (auto& [line, message] : cases) {
+        // The first error ends the run: the last line never prints.
+        ScriptRun r = RunText(std::string("c = new 测试.计数器\n") + line + "\nprint c.值\n");
+        EXPECT_EQ(r.status, 1) << line;
+        EXPECT_EQ(r.out, "") << line;
+        ExpectAll(r.err, {message});
+    }
     ScriptRun ok = RunText("c = new 测试.计数器\nexpect error c.抛出(0)\nexpect error c.报错()\n", true);
     EXPECT_EQ(ok.status, 0) << ok.err;
     EXPECT_EQ(ok.err, "");
 }
 
 // ------------------------------------------------------------ scripts and descriptions
-TEST(Script, BadScriptsGiveFileAndLine) {
-    ScriptRun r = RunText("c = new 测试.计数器\n"
-                          "c.加(\n"              // 2 syntax
-                          "d = new 测试.没有\n"  // 3 unknown class
-                          "c.没有()\n"           // 4 unknown method
-                          "c.加(\"x\")\n"        // 5 wrong type
-                          "c.加(1, 2, 3)\n"      // 6 wrong count
-                          "expect c.值 == 1\n"   // 7 failed expect
-                          "print nothing\n"      // 8 unknown variable
-                          "e = new 没有.类\n"    // 9 no library
-                          "c.相同(new 测试.文件)\n"  // 10 wrong class
-                          "print c.值\n");
-    EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(r.out, "0\n");
-    ExpectAll(r.err, {"t.zs:2: syntax error:", "t.zs:3: unknown class 测试.没有", "t.zs:4: unknown method 测试.计数器.没有",
-                      "t.zs:5: 测试.计数器.加: argument 1 (增量): expected 整数, got 文本",
-                      "t.zs:6: 测试.计数器.加 takes 1 or 2 arguments, got 3",
-                      "t.zs:7: expect failed: expect c.值 == 1 (left 0, right 1)", "t.zs:8: unknown variable nothing",
-                      "t.zs:9: no class library 没有.ncl in ZELCLS_PATHS",
-                      "t.zs:10: 测试.计数器.相同: argument 1 (另一个): 测试.文件 is not a 测试.计数器"});
+// Each bad line gives FILE:LINE:COLUMN, the line and a caret under the
+// token at fault, and stops the run.
+TEST(Script, BadLinesNameTheirColumnAndStopTheRun) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"c.加(", "t.zs:2:5: error: syntax error: expected a value at end of line\n    c.加(\n         ^\n"},
+        {"d = new 测试.计数", "t.zs:2:9: error: unknown class 测试.计数 (not in 测试); did you mean 测试.计数器?\n"
+                             "    d = new 测试.计数\n            ^~~~~~~~~\n"},
+        {"c.没有()", "t.zs:2:3: error: unknown method 测试.计数器.没有\n"},
+        {"c.加(\"x\")", "t.zs:2:5: error: 测试.计数器.加: argument 1 (增量): expected 整数, got 文本"},
+        {"c.加(1, 2, 3)", "t.zs:2:3: error: 测试.计数器.加 takes 1 or 2 arguments, got 3"},
+        {"expect c.值 == 1", "t.zs:2:8: error: expect failed: expect c.值 == 1 (left 0, right 1)\n"
+                            "    expect c.值 == 1\n           ^~~~~~~~~\n"},
+        {"print cc", "t.zs:2:7: error: unknown variable cc; did you mean c?\n"},
+        {"cc.值 = 1", "t.zs:2:1: error: unknown variable cc; did you mean c?\n"},  // not "a static member"
+        {"c.值值 = 2", "t.zs:2:3: error: unknown property 测试.计数器.值值; did you mean 值?\n"},
+        {"print 测试.计数器.静态家(1, 2)", "t.zs:2:14: error: unknown method 测试.计数器.静态家; did you mean 静态加?\n"},
+        {"print c.加(1).值", "t.zs:2:9: error: not an object: 1\n"},
+        {"e = new 没有.类", "t.zs:2:9: error: no class library 没有.ncl in ZELCLS_PATHS; searched " ZEL_FIXTURE_DIR "/\n"},
+        {"c.相同(new 测试.文件)", "t.zs:2:10: error: 测试.计数器.相同: argument 1 (另一个): 测试.文件 is not a 测试.计数器"},
+    };
+    for (auto& [line, message] : cases) {
+        ScriptRun r = RunText(std::string("c = new 测试.计数器\n") + line + "\nprint 1\n", true);
+        EXPECT_EQ(r.status, 1) << line;
+        EXPECT_EQ(r.out, "") << line;
+        ExpectAll(r.err, {message});
+    }
+}
+
+// Text that is not UTF-8 (overlong, surrogate, cut short) is refused whole,
+// before its first line runs; look-alike punctuation is fine inside literals.
+TEST(Script, RefusesTextThatIsNotUtf8) {
+    for (const char* bad : {"\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE4\xB8"}) {
+        ScriptRun r = RunText(std::string("print 1\nprint \"") + bad + "\"\n");
+        EXPECT_EQ(r.status, 1) << r.err;
+        EXPECT_EQ(r.out, "");
+        ExpectAll(r.err, {"t.zs:2:8: error: not valid UTF-8: byte 0x", " at byte 8 of the line"});
+    }
+    ScriptRun ok = RunText("\xEF\xBB\xBFprint \"（，）“”\"\n");
+    EXPECT_EQ(ok.status, 0) << ok.err;
+    EXPECT_EQ(ok.out, "\"（，）“”\"\n");
+}
+
+// Parentheses, arguments and member chains nest 200 deep at most; deeper
+// lines are refused before anything runs instead of exhausting the stack.
+TEST(Script, NestingHasALimit) {
+    auto nested = [](int depth) {
+        return "print " + std::string(size_t(depth), '(') + "7" + std::string(size_t(depth), ')') + "\n";
+    };
+    ScriptRun ok = RunText(nested(200));
+    EXPECT_EQ(ok.status, 0) << ok.err;
+    EXPECT_EQ(ok.out, "7\n");
+    ScriptRun deep = RunText(nested(201));
+    EXPECT_EQ(deep.status, 1);
+    ExpectAll(deep.err, {"t.zs:1:207: error: syntax error: nested too deeply (more than 200 levels)"});
+    ScriptRun huge = RunText(nested(45000));
+    EXPECT_EQ(huge.status, 1);
+    ExpectAll(huge.err, {"t.zs:1:207: error: syntax error: nested too deeply"});
+    std::string chain = "print c";
+    for (int k = 0; k < 201; ++k) chain += ".值";
+    ScriptRun links = RunText(chain + "\n");
+    EXPECT_EQ(links.status, 1);
+    ExpectAll(links.err, {"t.zs:1:408: error: syntax error: nested too deeply"});
 }
 
 TEST(Describe, ShowPairsPropertiesAndNamesTypes) {

@@ -1,0 +1,2 @@
+print "one"
+print "жпнд"

@@ -1,0 +1,2 @@
+# A misspelt statement word.
+prnt "ab"
