@@ -1,4 +1,4 @@
-// ncl list / show / check / doc: descriptions of a class library.
+// ncl list / show / doc: descriptions of a class library.
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -7,7 +7,7 @@
 #include <set>
 #include <sstream>
 
-#include "host/host_internal.h"
+#include "host/record_view.h"
 
 namespace zelhost {
 
@@ -17,28 +17,11 @@ const char* ClassNotes(const std::string& library, const std::string& record);
 
 namespace {
 
-std::string U(const wchar_t* s) { return ToUtf8(s); }
-
-std::string Hex(unsigned v) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "0x%08x", v);
-    return buf;
-}
-
 std::string Number(double d) {
     char buf[32];
     std::snprintf(buf, sizeof buf, "%g", d);
     return buf;
 }
-
-bool IsInterface(const tagTBaseTypeInfo* r) { return r->kind == ZEL_KIND_INTERFACE; }
-const tagTInterfaceInfo* AsInterface(const tagTBaseTypeInfo* r) {
-    return reinterpret_cast<const tagTInterfaceInfo*>(r);
-}
-
-int MethodCount(const tagTBaseTypeInfo* r) { return IsInterface(r) ? AsInterface(r)->methodCount : r->methodCount; }
-tagMethodItem* Methods(const tagTBaseTypeInfo* r) { return IsInterface(r) ? AsInterface(r)->methods : r->methods; }
-const wchar_t* BaseName(const tagTBaseTypeInfo* r) { return IsInterface(r) ? AsInterface(r)->baseName : r->baseName; }
 
 std::vector<tagTBaseTypeInfo*> SortedRecords(Library* lib) {
     std::vector<tagTBaseTypeInfo*> recs = lib->Records();
@@ -62,13 +45,6 @@ std::string Flags(unsigned f) {
     if (other) add(("other " + Hex(other)).c_str());
     if (s.empty()) s = "method";
     return s;
-}
-
-bool IsGetter(const tagMethodItem& m) {
-    return (m.flags & 1) && m.paramCount == 0 && m.returnType && *m.returnType;
-}
-bool IsSetter(const tagMethodItem& m) {
-    return (m.flags & 1) && m.paramCount == 1 && (!m.returnType || !*m.returnType);
 }
 
 std::string Signature(const tagMethodItem& m) {
@@ -245,149 +221,6 @@ int ShowClass(Library* lib, const std::wstring& className, std::ostream& out, st
         for (std::string line; std::getline(lines, line);) out << (line.empty() ? "" : "  ") << line << "\n";
     }
     return 0;
-}
-
-// ------------------------------------------------------------ check
-int CheckLibrary(Library* lib, std::ostream& out, std::ostream& err) {
-    std::vector<std::string> findings;
-    auto find = [&](const std::string& s) { findings.push_back(s); };
-    ZelLibInfo* li = lib->info;
-    std::string libName = U(li->name);
-    if (!li->name || !*li->name) find("library: empty name");
-    if (li->nameHash != TextHash(li->name))
-        find("library: name hash " + Hex(li->nameHash) + " != " + Hex(TextHash(li->name)));
-    if (!li->enumClasses) find("library: no enumerate callback (byte 56)");
-    if (!li->findClass) find("library: no find callback (byte 60)");
-    if (!lib->notifyError.empty()) find("library: " + lib->notifyError);
-    std::vector<tagTBaseTypeInfo*> recs = lib->Records();
-    int declared = li->enumClasses ? li->enumClasses(li, nullptr, 0) : 0;
-    if (declared < 0) find("library: enumerate returned " + std::to_string(declared));
-    if (int(recs.size()) != declared)
-        find("library: enumerate counts " + std::to_string(declared) + " records but hands out " +
-             std::to_string(recs.size()));
-    std::set<std::string> hookNames;
-    for (int h = 0; h < HOOK_COUNT; ++h) hookNames.insert(HookName(h));
-
-    auto checkItems = [&](const std::string& cname, tagMethodItem* ms, int n, ClassInfo* c, bool needFunction) {
-        if (n < 0) { find(cname + ": method count " + std::to_string(n) + " is negative"); return; }
-        if (n > 0 && !ms) { find(cname + ": " + std::to_string(n) + " methods but no method table"); return; }
-        for (int k = 0; k < n; ++k) {
-            const tagMethodItem& m = ms[k];
-            std::string w = cname + ": method #" + std::to_string(k + 1) + " " + U(m.name);
-            if (!m.name || !*m.name) find(w + ": empty name");
-            if (m.nameHash != TextHash(m.name))
-                find(w + ": name hash " + Hex(m.nameHash) + " != " + Hex(TextHash(m.name)));
-            if (!m.returnType) find(w + ": null return type (use \"\")");
-            if (m.returnTypeHash != TextHash(m.returnType))
-                find(w + ": return type hash " + Hex(m.returnTypeHash) + " != " + Hex(TextHash(m.returnType)));
-            if (m.paramCount < 0) find(w + ": parameter count " + std::to_string(m.paramCount) + " is negative");
-            if (m.paramCount > 0 && !m.params) find(w + ": parameters but no parameter table");
-            for (int p = 0; p < m.paramCount && m.params; ++p) {
-                const tagParamItem& pi = m.params[p];
-                std::string pw = w + ": parameter " + std::to_string(p + 1) + " " + U(pi.name);
-                if (!pi.type || !*pi.type) find(pw + ": no type");
-                if (pi.nameHash != TextHash(pi.name))
-                    find(pw + ": name hash " + Hex(pi.nameHash) + " != " + Hex(TextHash(pi.name)));
-                if (pi.typeHash != TextHash(pi.type))
-                    find(pw + ": type hash " + Hex(pi.typeHash) + " != " + Hex(TextHash(pi.type)));
-            }
-            if (m.flags & 1) {
-                if (!IsGetter(m) && !IsSetter(m))
-                    find(w + ": property item is neither a getter (0 parameters, a type) nor a setter "
-                             "(1 parameter, no type)");
-                if (IsSetter(m) && m.params) {
-                    for (int g = 0; g < n; ++g) {
-                        if (g == k || !IsGetter(ms[g]) || !ms[g].name || !m.name || wcscmp(ms[g].name, m.name)) continue;
-                        if (!m.params[0].type || wcscmp(ms[g].returnType, m.params[0].type) != 0)
-                            find(w + ": setter takes " + U(m.params[0].type) + " but the getter gives " +
-                                 U(ms[g].returnType));
-                    }
-                }
-            }
-            if (needFunction && c) {
-                Binding b = BindMethod(c, k);
-                if (!b.function)
-                    find(w + ": no function" + (b.boundTo.empty() ? " and no bound export" :
-                                                                    " (bound export " + b.boundTo + " missing)"));
-            }
-        }
-    };
-
-    for (tagTBaseTypeInfo* r : recs) {
-        if (!r) { find("library: enumerate handed out a null record"); continue; }
-        std::string cname = r->name ? U(r->name) : "(unnamed record)";
-        if (!r->name || !*r->name) find(cname + ": empty name");
-        if (r->nameHash != TextHash(r->name))
-            find(cname + ": name hash " + Hex(r->nameHash) + " != " + Hex(TextHash(r->name)));
-        if (r->name && lib->Find(r->name) != r) find(cname + ": find callback does not return this record");
-        std::string rn = lib->RecordName(r);
-        if (rn.empty()) find(cname + ": no g_info_<Record> export names this record (hooks cannot be found)");
-        if (r->kind != ZEL_KIND_CLASS && r->kind != ZEL_KIND_INTERFACE)
-            find(cname + ": kind " + std::to_string(r->kind) + " is neither 1 (class) nor 2 (interface)");
-        if (IsInterface(r)) {
-            const tagTInterfaceInfo* ir = AsInterface(r);
-            if (ir->baseNameHash != TextHash(ir->baseName))
-                find(cname + ": base hash " + Hex(ir->baseNameHash) + " != " + Hex(TextHash(ir->baseName)));
-            checkItems(cname, ir->methods, ir->methodCount, nullptr, false);
-            continue;
-        }
-        if (r->baseNameHash != TextHash(r->baseName))
-            find(cname + ": base hash " + Hex(r->baseNameHash) + " != " + Hex(TextHash(r->baseName)));
-        std::string errText;
-        ClassInfo* c = ClassOfRecord(lib, r, &errText);
-        if (!c) find(cname + ": " + errText);
-        if (r->interfaceCount < 0) find(cname + ": interface count is negative");
-        if (r->interfaceCount > 0 && !r->interfaces) find(cname + ": interfaces but no interface table");
-        for (int i = 0; i < r->interfaceCount && r->interfaces; ++i) {
-            const tagInterfaceEntry& e = r->interfaces[i];
-            std::string w = cname + ": interface " + U(e.name);
-            if (!e.name || !*e.name) find(w + ": empty name");
-            if (e.nameHash != TextHash(e.name))
-                find(w + ": name hash " + Hex(e.nameHash) + " != " + Hex(TextHash(e.name)));
-            if (e.slotCount < 0) find(w + ": slot count is negative");
-            if (e.slotCount > 0 && !e.slots) find(w + ": slots but no slot table");
-            for (int s = 0; s < e.slotCount && e.slots; ++s)
-                if (!e.slots[s]) find(w + ": slot " + std::to_string(s + 1) + " is null");
-            if (e.name) {
-                tagTBaseTypeInfo* irec = lib->Find(e.name);
-                std::string ie;
-                if (!irec && !FindClass(e.name, &ie)) find(w + ": unknown interface (" + ie + ")");
-                tagTBaseTypeInfo* hostRec = HostFindRecord(e.name);
-                if (hostRec && hostRec->kind == ZEL_KIND_INTERFACE &&
-                    e.slotCount != reinterpret_cast<tagTInterfaceInfo*>(hostRec)->methodCount)
-                    find(w + ": " + std::to_string(e.slotCount) + " slots, the interface has " +
-                         std::to_string(reinterpret_cast<tagTInterfaceInfo*>(hostRec)->methodCount));
-            }
-        }
-        if (r->elementCount < 0) find(cname + ": element count is negative");
-        if (r->elementCount > 0 && !r->elements) find(cname + ": elements but no element table");
-        for (int i = 0; i < r->elementCount && r->elements; ++i) {
-            const tagElementItem& el = r->elements[i];
-            std::string w = cname + ": element " + std::to_string(i + 1) + " " + U(el.name);
-            if (!el.type || !*el.type) find(w + ": no type");
-            if (el.nameHash != TextHash(el.name))
-                find(w + ": name hash " + Hex(el.nameHash) + " != " + Hex(TextHash(el.name)));
-            if (el.typeHash != TextHash(el.type))
-                find(w + ": type hash " + Hex(el.typeHash) + " != " + Hex(TextHash(el.type)));
-        }
-        checkItems(cname, r->methods, r->methodCount, c, true);
-        // Hooks the library exports for this record must resolve.
-        if (!rn.empty() && !lib->isHost) {
-            for (const std::string& e : lib->exports) {
-                if (e.rfind(rn + "_", 0) != 0) continue;
-                std::string h = e.substr(rn.size() + 1);
-                if (!hookNames.count(h)) continue;
-                if (!lib->Export(e)) find(cname + ": hook " + e + " is exported but does not resolve");
-            }
-        }
-    }
-    for (const std::string& f : findings) out << f << "\n";
-    if (findings.empty()) {
-        out << "ok: " << libName << ", " << recs.size() << " records, no findings\n";
-        return 0;
-    }
-    err << findings.size() << " finding" << (findings.size() == 1 ? "" : "s") << " in " << lib->path << "\n";
-    return 1;
 }
 
 // ------------------------------------------------------------ doc

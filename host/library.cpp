@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -13,6 +14,8 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <string>
+#include <utility>
 
 #include "host/host_internal.h"
 
@@ -148,23 +151,25 @@ Library* HostLibrary() {
 
 std::vector<std::string> SearchPaths() {
     std::vector<std::string> out;
-    const char* env = std::getenv("ZELCLS_PATHS");
-    if (!env) return out;
-    std::string cur;
-    auto flush = [&] {
-        if (!cur.empty()) {
-            if (cur.back() != '/') cur += '/';
-            out.push_back(cur);
-        }
-        cur.clear();
+    // Each folder once, with a trailing slash.
+    auto add = [&](std::string dir) {
+        if (dir.empty()) return;
+        if (dir.back() != '/') dir += '/';
+        if (std::find(out.begin(), out.end(), dir) == out.end()) out.push_back(dir);
     };
-    for (const char* p = env; *p; ++p) {
+    const char* env = std::getenv("ZELCLS_PATHS");
+    std::string cur;
+    for (const char* p = env ? env : ""; *p; ++p) {
         if (*p == ',' || *p == ';')
-            flush();
+            add(std::exchange(cur, std::string()));
         else
             cur += *p;
     }
-    flush();
+    add(cur);
+    // The folder of 系统.ncl comes last: a build folder, or the installed
+    // lib/zel, holds 工具.ncl beside it.
+    std::string host = HostPath();
+    add(host.substr(0, host.rfind('/') + 1));
     return out;
 }
 

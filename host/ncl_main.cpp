@@ -14,8 +14,11 @@
 #include <streambuf>
 #include <string>
 
+#include <zel/version.h>
+
 #include "host/host_api.h"
 #include "host/repl.h"
+#include "host/new_project.h"
 
 namespace {
 
@@ -91,9 +94,11 @@ const char kUsage[] =
     "  ncl doc LIB             Markdown reference of every class\n"
     "  ncl run [--audit] SCRIPT|-   run a script; the first error stops it (exit 1)\n"
     "  ncl repl [LIB...]       statements one line at a time (also plain `ncl` on a terminal)\n"
+    "  ncl new NAMESPACE DIR   a ready class-library project in DIR, built against the SDK\n"
     "  ncl help, ncl --help    this text\n"
-    "  ncl --version           the version of ncl and of the runtime host\n"
-    "LIB is a path to a .ncl file, or a library name looked up in ZELCLS_PATHS.\n";
+    "  ncl --version           the version\n"
+    "LIB is a path to a .ncl file, or a library name looked up in ZELCLS_PATHS,\n"
+    "then in the folder of ncl's own libraries.\n";
 
 // A command line ncl cannot follow: the usage on standard error, exit 2.
 int Usage(std::ostream& err) {
@@ -121,17 +126,18 @@ int RunFile(const std::string& script, const zelhost::RunOptions& opt, std::ostr
     return zelhost::RunScript(in, script, opt, out, err);
 }
 
-// When ZELCLS_PATHS is unset, the directory of 系统.ncl stands in for it, so
-// that a library's own loader finds this host.
+// The directory of 系统.ncl is searched after those of ZELCLS_PATHS (or alone
+// when it is unset), so that ncl and the libraries' own loaders find the
+// libraries installed or built beside it.
 void DefaultSearchPath() {
-    const char* env = std::getenv("ZELCLS_PATHS");
-    if (env && *env) return;
     Dl_info info{};
     if (!dladdr(reinterpret_cast<void*>(&ZelInitSysLib), &info) || !info.dli_fname) return;
     std::string p = info.dli_fname;
     size_t slash = p.rfind('/');
-    std::string dir = slash == std::string::npos ? "." : p.substr(0, slash);
-    setenv("ZELCLS_PATHS", dir.c_str(), 1);
+    std::string paths = slash == std::string::npos ? "." : p.substr(0, slash);
+    const char* env = std::getenv("ZELCLS_PATHS");
+    if (env && *env) paths = std::string(env) + "," + paths;
+    setenv("ZELCLS_PATHS", paths.c_str(), 1);
 }
 
 zelhost::Library* Open(const std::string& arg, std::ostream& err) {
@@ -196,6 +202,11 @@ int main(int argc, char** argv) {
         zelhost::Library* lib = Open(argv[2], err);
         if (!lib) return 2;
         status = zelhost::ShowClass(lib, zelhost::FromUtf8(argv[3]), out, err);
+    } else if (cmd == "new") {
+        if (argc != 4) return Usage(err);
+        status = ncl::NewProject(argv[2], argv[3], out, err);
+    } else if (cmd == "--version") {
+        out << "ncl " << ZEL_VERSION_STRING << "\n";
     } else {
         return Unknown(cmd[0] == '-' ? "option" : "command", cmd, err);
     }

@@ -1,4 +1,6 @@
-// The library record, the runtime's hand-over, and the descriptor queries.
+// The runtime's hand-over and the descriptor queries, shared by every class
+// library; each library's own record comes from ZEL_LIBRARY.
+#include <zel/library.h>
 #include <zel/loader.h>
 #include <zel/registry.h>
 #include <zel/services.h>
@@ -9,19 +11,7 @@ ZelObject* g_pRuntimeObject = nullptr;
 tagTBaseTypeInfo* g_pRuntimeClassInfo = nullptr;
 tagTBaseTypeInfo* g_pGCClassInfo = nullptr;
 
-#define E const_cast<wchar_t*>(L"")
-ZelLibInfo g_zellib_info = {
-    0, const_cast<wchar_t*>(L"工具"), const_cast<wchar_t*>(L"本类库提供系统工具类"), E, 0,
-    1, 0, 7, 1.0, 1, {E, E, E}, zel::EnumClassRecords, zel::FindClassRecord, 0, {E, E}, {0, 0, 0},
-};
-#undef E
-
 namespace {
-struct LibraryLifetime {
-    LibraryLifetime() { g_zellib_info.nameHash = GetTextHash(g_zellib_info.name); }
-    ~LibraryLifetime() { CBaseTypeInfoRecorder::CleanUp(); }
-} g_libraryLifetime;
-
 // The class record of the last entry of an object's class chain.
 tagTBaseTypeInfo* OwnClass(ZelObject* obj) {
     int* chain = obj->classChain;
@@ -29,20 +19,25 @@ tagTBaseTypeInfo* OwnClass(ZelObject* obj) {
 }
 }  // namespace
 
-ZelLibInfo* ZelGetLibInfo() { return &g_zellib_info; }
+namespace zel {
 
-int ZelNotifyLib(ZelLibInfo* lib, NOTIFY_LIB_CODE code, unsigned int p1, unsigned int) {
+LibraryLifetime::LibraryLifetime(ZelLibInfo* lib) { lib->nameHash = GetTextHash(lib->name); }
+LibraryLifetime::~LibraryLifetime() { CBaseTypeInfoRecorder::CleanUp(); }
+
+int NotifyLibrary(ZelLibInfo* lib, NOTIFY_LIB_CODE code, unsigned int p1, unsigned int) {
     if (code != NOTIFY_LIB_RUNTIME) return -1;
     auto* runtime = reinterpret_cast<ZelObject*>(p1);
     g_pRuntimeObject = runtime;
     g_pRuntimeClassInfo = runtime ? OwnClass(runtime) : nullptr;
     if (!g_pRuntimeClassInfo) return 0;
-    auto memoryManager = reinterpret_cast<tagTBaseTypeInfo* (*)()>(zel::ServiceFunction(g_pRuntimeClassInfo, ZEL_RT_MEMORY_MANAGER));
+    auto memoryManager = reinterpret_cast<tagTBaseTypeInfo* (*)()>(ServiceFunction(g_pRuntimeClassInfo, ZEL_RT_MEMORY_MANAGER));
     g_pGCClassInfo = memoryManager ? memoryManager() : nullptr;
     g_EmptyConst.library = lib;
-    zel::RegisterConstBlock(&g_EmptyConst);
+    RegisterConstBlock(&g_EmptyConst);
     return 0;
 }
+
+}  // namespace zel
 
 // ---- descriptor queries ----------------------------------------------------
 

@@ -3,7 +3,7 @@
 # Idempotent: does nothing when everything is already there.
 set -euo pipefail
 
-packages=(g++-multilib cmake libgtest-dev:i386 libbenchmark-dev:i386 libffi-dev:i386)
+packages=(g++-multilib cmake pkgconf libgtest-dev:i386 libbenchmark-dev:i386 libffi-dev:i386)
 
 # Wanted but not needed: without libedit `ncl repl` reads plain lines.
 optional=(libedit2:i386)

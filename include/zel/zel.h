@@ -1,7 +1,8 @@
 // Everything a class module needs: the value encodings and record layouts,
 // the descriptor builders and registration, the runtime services, memory,
 // wrappers and clones, errors, the byte buffer, wide strings and text
-// functions, the hash tables, the pointer list and the variant node.
+// functions, the hash tables, the pointer list and the variant node; and
+// ZEL_LIBRARY, the one line that makes a set of class modules a library.
 #pragma once
 
 #include <zel/zel_types.h>
@@ -22,3 +23,5 @@
 #include <zel/node.h>
 #include <zel/converters.h>
 #include <zel/no_memory.h>
+#include <zel/version.h>
+#include <zel/library.h>

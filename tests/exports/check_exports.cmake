@@ -30,7 +30,11 @@ foreach(line IN LISTS nm_lines)
 endforeach()
 
 # Symbols the objects mark with default visibility.
-file(GLOB_RECURSE objects ${OBJECTS_DIR}/*.o)
+set(objects "")
+foreach(dir IN LISTS OBJECTS_DIRS)
+  file(GLOB_RECURSE found ${dir}/*.o)
+  list(APPEND objects ${found})
+endforeach()
 set(marked "")
 foreach(object IN LISTS objects)
   execute_process(COMMAND readelf -sW "${object}" OUTPUT_VARIABLE sym_out)

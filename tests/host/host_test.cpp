@@ -234,7 +234,7 @@ TEST(Script, BadLinesNameTheirColumnAndStopTheRun) {
         {"c.值值 = 2", "t.zs:2:3: error: unknown property 测试.计数器.值值; did you mean 值?\n"},
         {"print 测试.计数器.静态家(1, 2)", "t.zs:2:14: error: unknown method 测试.计数器.静态家; did you mean 静态加?\n"},
         {"print c.加(1).值", "t.zs:2:9: error: not an object: 1\n"},
-        {"e = new 没有.类", "t.zs:2:9: error: no class library 没有.ncl in ZELCLS_PATHS; searched " ZEL_FIXTURE_DIR "/\n"},
+        {"e = new 没有.类", "t.zs:2:9: error: no class library 没有.ncl in ZELCLS_PATHS; searched " ZEL_FIXTURE_DIR "/, "},
         {"c.相同(new 测试.文件)", "t.zs:2:10: error: 测试.计数器.相同: argument 1 (另一个): 测试.文件 is not a 测试.计数器"},
     };
     for (auto& [line, message] : cases) {
@@ -299,3 +299,19 @@ TEST(Describe, CheckFindsDescriptorFaults) {
                           "坏.类: method #2 无函数: no function and no bound export",
                           "坏.类: method #3 错哈希: name hash 0x00003039", "坏.类: element count is negative"});
 }
+
+namespace {
+// The folder of 系统.ncl (the build folder here) follows those of ZELCLS_PATHS,
+// once, so a library beside the host is found without any setting.
+TEST(Paths, HostFolderComesLastAndOnce) {
+    std::string host = SearchPaths().back();
+    ASSERT_FALSE(host.empty());
+    EXPECT_EQ(host.back(), '/');
+    setenv("ZELCLS_PATHS", ("/nowhere;" + host + ",/elsewhere/").c_str(), 1);
+    EXPECT_EQ(SearchPaths(), (std::vector<std::string>{"/nowhere/", host, "/elsewhere/"}));
+    unsetenv("ZELCLS_PATHS");
+    EXPECT_EQ(SearchPaths(), std::vector<std::string>{host});
+    setenv("ZELCLS_PATHS", ZEL_FIXTURE_DIR, 1);
+    EXPECT_EQ(SearchPaths(), (std::vector<std::string>{std::string(ZEL_FIXTURE_DIR) + "/", host}));
+}
+}  // namespace
