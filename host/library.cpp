@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <elf.h>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,22 +30,58 @@ std::set<const void*> g_building;
 Library* g_host = nullptr;
 
 // Defined dynamic symbols of an ELF32 file.
+// The file is mapped, not read: only the pages of the headers and the
+// dynamic symbol tables are touched.
+class MappedFile {
+public:
+    explicit MappedFile(const std::string& path) {
+        int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        if (fd < 0) return;
+        struct stat st;
+        if (fstat(fd, &st) == 0 && st.st_size > 0 && uint64_t(st.st_size) <= SIZE_MAX / 2) {
+            void* p = mmap(nullptr, size_t(st.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
+            if (p != MAP_FAILED) {
+                m_data = static_cast<const char*>(p);
+                m_size = size_t(st.st_size);
+            }
+        }
+        close(fd);
+    }
+    ~MappedFile() {
+        if (m_data) munmap(const_cast<char*>(m_data), m_size);
+    }
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+    const char* data() const { return m_data; }
+    size_t size() const { return m_size; }
+
+private:
+    const char* m_data = nullptr;
+    size_t m_size = 0;
+};
+
+// Whether [offset, offset + length) lies in a file of `size` bytes, aligned
+// for the records read there.
+bool Fits(size_t offset, size_t length, size_t size, size_t align = 1) {
+    return offset <= size && length <= size - offset && offset % align == 0;
+}
+
 std::vector<std::string> ReadDynamicSymbols(const std::string& path) {
     std::vector<std::string> out;
-    std::ifstream f(path, std::ios::binary);
-    if (!f) return out;
-    std::string data((std::istreambuf_iterator<char>(f)), std::istreambuf_iterator<char>());
+    MappedFile data(path);
     if (data.size() < sizeof(Elf32_Ehdr)) return out;
     const auto* eh = reinterpret_cast<const Elf32_Ehdr*>(data.data());
     if (std::memcmp(eh->e_ident, ELFMAG, SELFMAG) != 0 || eh->e_ident[EI_CLASS] != ELFCLASS32) return out;
     if (eh->e_shoff == 0 || eh->e_shentsize != sizeof(Elf32_Shdr)) return out;
-    if (eh->e_shoff + size_t(eh->e_shnum) * sizeof(Elf32_Shdr) > data.size()) return out;
+    if (!Fits(eh->e_shoff, size_t(eh->e_shnum) * sizeof(Elf32_Shdr), data.size(), 4)) return out;
     const auto* sh = reinterpret_cast<const Elf32_Shdr*>(data.data() + eh->e_shoff);
     for (int i = 0; i < eh->e_shnum; ++i) {
         if (sh[i].sh_type != SHT_DYNSYM) continue;
         if (sh[i].sh_link >= eh->e_shnum) continue;
         const Elf32_Shdr& strtab = sh[sh[i].sh_link];
-        if (sh[i].sh_offset + sh[i].sh_size > data.size() || strtab.sh_offset + strtab.sh_size > data.size()) continue;
+        if (!Fits(sh[i].sh_offset, sh[i].sh_size, data.size(), 4) ||
+            !Fits(strtab.sh_offset, strtab.sh_size, data.size()))
+            continue;
         size_t n = sh[i].sh_size / sizeof(Elf32_Sym);
         const auto* syms = reinterpret_cast<const Elf32_Sym*>(data.data() + sh[i].sh_offset);
         for (size_t k = 1; k < n; ++k) {

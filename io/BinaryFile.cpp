@@ -1,11 +1,18 @@
 // 工具.二进制文件流: reads and writes whole files, with the text signature of
 // a 工具.文件类型选项 type, and tells a file's type from its content.
-#include <memory>
-#include <new>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
 
 #include "io/BinaryFile.h"
 #include "io/File.h"
 #include <zel/class_table.h>
+#include <zel/memory.h>
 #include <zel/no_memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
@@ -32,22 +39,61 @@ static int SignatureSize(int type) {
     return type == kLittleEndian || type == kBigEndian ? 2 : 0;
 }
 
-// Every path closes the file it opened: nothing could use the stream again,
-// and it would hold a descriptor until the object goes.
-ZEL_EXPORT unsigned char* BinaryFile_ReadFile(ZelObject* obj, unsigned char* name, int type) {
-    CFile* file = _GetBinaryFilePtr(obj);
-    if (!IsFileType(type) || !file || !name || !file->Open(zel::TextChars(name), 1)) return zel::EmptyBin();
-    file->Seek(0, SEEK_END);
-    int size = file->GetPosition();
-    unsigned char* result = zel::EmptyBin();
-    std::unique_ptr<unsigned char[]> buffer(size > 0 ? new (std::nothrow) unsigned char[size + 1] : nullptr);
-    if (buffer) {
-        file->Seek(SignatureSize(type), SEEK_SET);
-        int got = file->Read(buffer.get(), unsigned(size));
-        if (got > 0) result = zel::NewBin(buffer.get(), got);
+// Files are read with 64-bit offsets, so a file past 2 GiB opens and
+// streams like any other.
+namespace {
+class Descriptor {
+public:
+    explicit Descriptor(unsigned char* name) {
+        CMiniMem narrow;
+        const char* path = name ? GetMBSText(zel::TextChars(name), narrow) : nullptr;
+        m_fd = path && *path ? open(path, O_RDONLY | O_LARGEFILE | O_CLOEXEC) : -1;
     }
-    file->Close();
-    return result;
+    ~Descriptor() {
+        if (m_fd >= 0) close(m_fd);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    int Get() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+// Reads until n bytes are in or the file ends; -1 on an error.
+long ReadFully(int fd, unsigned char* buffer, size_t n) {
+    size_t got = 0;
+    while (got < n) {
+        ssize_t r = read(fd, buffer + got, n - got);
+        if (r < 0 && errno == EINTR) continue;
+        if (r < 0) return -1;
+        if (r == 0) break;
+        got += size_t(r);
+    }
+    return long(got);
+}
+}  // namespace
+
+// The byte set is built in the block that the file is read into, and handed
+// to the runtime as it is. A file too large for a byte set gives the empty one.
+ZEL_EXPORT unsigned char* BinaryFile_ReadFile(ZelObject* obj, unsigned char* name, int type) {
+    if (!IsFileType(type) || !_GetBinaryFilePtr(obj)) return zel::EmptyBin();
+    Descriptor file(name);
+    struct stat64 info;
+    if (file.Get() < 0 || fstat64(file.Get(), &info) != 0) return zel::EmptyBin();
+    long long size = (long long)info.st_size - SignatureSize(type);
+    if (size <= 0 || size > INT_MAX - 12) return zel::EmptyBin();
+    if (lseek64(file.Get(), SignatureSize(type), SEEK_SET) < 0) return zel::EmptyBin();
+    ZelMallocer block(int(size) + 12);
+    auto* bin = static_cast<unsigned char*>(block.GetData());
+    if (!bin) return zel::EmptyBin();
+    long got = ReadFully(file.Get(), bin + 12, size_t(size));
+    if (got <= 0) return zel::EmptyBin();
+    int* words = reinterpret_cast<int*>(bin);
+    words[0] = 0;
+    words[1] = 1;
+    words[2] = int(got);
+    return static_cast<unsigned char*>(zel::TakeOverBlock(block.Detach()));
 }
 
 // Answers the count of data bytes written; the signature is not counted.
@@ -66,61 +112,38 @@ ZEL_EXPORT int BinaryFile_WriteFile(ZelObject* obj, unsigned char* data, unsigne
     return written;
 }
 
-// Legal UTF-8 by the Unicode reference rules: the trailing count comes from
-// the lead byte, every sequence fits in [s, end), trailing bytes are 80..BF
-// and the second byte is narrowed after E0, ED, F0 and F4.
-bool IsLegalUtf8(const unsigned char* s, const unsigned char* end) {
-    while (s < end) {
-        unsigned char lead = *s;
-        int trailing = lead < 0xC0 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF8 ? 3 : lead < 0xFC ? 4 : 5;
-        if (trailing > 3 || end - s <= trailing) return false;
-        if ((lead >= 0x80 && lead < 0xC2) || lead > 0xF4) return false;
-        for (int i = 1; i <= trailing; ++i)
-            if (s[i] < 0x80 || s[i] > 0xBF) return false;
-        if (trailing > 0) {
-            unsigned char second = s[1];
-            if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
-                (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F))
-                return false;
-        }
-        s += trailing + 1;
-    }
-    return true;
-}
+namespace {
+int g_chunkBytes = 0;
 
-static int SignatureType(CFile* file) {
-    unsigned char head[3] = {0, 0, 0};
-    if (file->Read(head, 3) == 3 && head[0] == 0xEF && head[1] == 0xBB && head[2] == 0xBF) return kUtf8;
-    file->Seek(0, SEEK_SET);
-    if (file->Read(head, 2) == 2) {
-        if (head[0] == 0xFF && head[1] == 0xFE) return kLittleEndian;
-        if (head[0] == 0xFE && head[1] == 0xFF) return kBigEndian;
-    }
+int SignatureType(const unsigned char* head, long n) {
+    if (n >= 3 && head[0] == 0xEF && head[1] == 0xBB && head[2] == 0xBF) return kUtf8;
+    if (n >= 2 && head[0] == 0xFF && head[1] == 0xFE) return kLittleEndian;
+    if (n >= 2 && head[0] == 0xFE && head[1] == 0xFF) return kBigEndian;
     return 0;
 }
+}  // namespace
 
-// Content legal as UTF-8 up to its first zero byte (an empty text included)
-// is 无文件头UTF8, anything else 未知; an empty file is 0.
-static int ContentType(CFile* file) {
-    file->Seek(0, SEEK_END);
-    int size = file->GetPosition();
-    std::unique_ptr<unsigned char[]> content(size > 0 ? new (std::nothrow) unsigned char[size + 1] : nullptr);
-    if (!content) return 0;
-    file->Seek(0, SEEK_SET);
-    int got = file->Read(content.get(), unsigned(size));
-    content[got] = 0;
-    const unsigned char* end = content.get();
-    while (*end) ++end;
-    return IsLegalUtf8(content.get(), end) ? kNoSignatureUtf8 : kUnknown;
-}
+void zel::SetFileTypeChunkSize(int bytes) { g_chunkBytes = bytes > 0 ? bytes : 0; }
 
+// A signature decides; otherwise content legal as UTF-8 up to its first zero
+// byte (an empty text included) is 无文件头UTF8, anything else 未知. An
+// empty or unreadable file is 0. The file is read in fixed pieces, so its
+// size does not matter.
 ZEL_EXPORT int BinaryFile_GetFileType(ZelObject* obj, unsigned char* name) {
-    CFile* file = _GetBinaryFilePtr(obj);
-    if (!file || !name || !file->Open(zel::TextChars(name), 1)) return 0;
-    int type = SignatureType(file);
-    if (type == 0) type = ContentType(file);
-    file->Close();
-    return type;
+    if (!_GetBinaryFilePtr(obj)) return 0;
+    Descriptor file(name);
+    if (file.Get() < 0) return 0;
+    int chunk = g_chunkBytes > 0 ? std::max(g_chunkBytes, 3) : 128 * 1024;
+    ZelMallocer buffer(chunk);
+    auto* piece = static_cast<unsigned char*>(buffer.GetData());
+    if (!piece) return 0;
+    long got = ReadFully(file.Get(), piece, size_t(chunk));
+    if (got <= 0) return 0;
+    if (int type = SignatureType(piece, got)) return type;
+    Utf8TextCheck check;
+    while (got > 0 && check.Feed(piece, size_t(got))) got = ReadFully(file.Get(), piece, size_t(chunk));
+    if (got < 0) return 0;
+    return check.Legal() ? kNoSignatureUtf8 : kUnknown;
 }
 
 using namespace zel;

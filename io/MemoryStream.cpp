@@ -49,16 +49,6 @@ unsigned char* CMemoryStream::GetCurrentPtr() {
     return reinterpret_cast<unsigned char*>(reinterpret_cast<uintptr_t>(GetData()) + uintptr_t(m_position));
 }
 
-// A negative count is never valid data.
-int CMemoryStream::IsDataValid(int n) {
-    return n >= 0 && m_position >= 0 && int64_t(m_position) + n <= m_size ? 1 : 0;
-}
-
-int CMemoryStream::WriteInt(int v) {
-    AddInt(v);
-    return 1;
-}
-
 int CMemoryStream::WriteBool(int v) {
     AddBool(v);
     return 1;
@@ -84,14 +74,6 @@ int CMemoryStream::WriteBinData(unsigned char* bin) {
     if (!bin) AddInt(0);
     else Append(MGetZelBinData(bin), MGetZelBinLength(bin));
     return 1;
-}
-
-int CMemoryStream::ReadInt() {
-    if (!IsDataValid(4)) return -1;
-    int v;
-    Peek(&v, 0, 4);
-    m_position += 4;
-    return v;
 }
 
 int CMemoryStream::ReadBool() {

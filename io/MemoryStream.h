@@ -26,16 +26,30 @@ public:
     int GetLength();
     unsigned char* GetData();
     unsigned char* GetCurrentPtr();
-    int IsDataValid(int n);
+    // A negative count is never valid data.
+    ZEL_API __attribute__((used)) int IsDataValid(int n) {
+        return n >= 0 && m_position >= 0 && n <= m_size - m_position ? 1 : 0;  // no overflow: both are >= 0
+    }
 
-    int WriteInt(int v);
+    // The integer reader and writer are inline where this header is seen
+    // (the library still exports them): one value per call is their use.
+    ZEL_API __attribute__((used)) int WriteInt(int v) {
+        AddInt(v);
+        return 1;
+    }
     int WriteBool(int v);
     int WriteDouble(double v);
     int WriteText(wchar_t* text);
     int WriteBin(unsigned char* bin);
     int WriteBinData(unsigned char* bin);
 
-    int ReadInt();
+    ZEL_API __attribute__((used)) int ReadInt() {
+        if (!IsDataValid(4)) return -1;
+        int v;
+        Peek(&v, 0, 4);
+        m_position += 4;
+        return v;
+    }
     int ReadBool();
     double ReadDouble();
     unsigned char* ReadText();

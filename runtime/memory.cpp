@@ -1,6 +1,10 @@
 #include <zel/memory.h>
 
+#include <malloc.h>
+
 #include <algorithm>
+#include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
@@ -31,6 +35,83 @@ bool zel::AllocationFails(const void* site) {
     return --g_failCountdown == 0;
 }
 
+size_t zel::UsableSize(void* block) { return block ? malloc_usable_size(block) : 0; }
+
+// ---- constant or ordinary, in O(1) -------------------------------------------
+
+namespace {
+// Every 4 KiB page that holds part of a constant block we have seen is
+// marked; an address on an unmarked page is an ordinary block as long as the
+// chains have not changed since they were walked. The runtime links new
+// blocks at the ends of the two chains, so whether they changed shows in our
+// own two links and in the outer links of the two end blocks (libraries stay
+// loaded while the runtime runs, so those blocks stay readable). Marks are
+// never cleared: a stale mark only sends an address the slow way.
+const unsigned kPageBits = 12;
+const unsigned kPages = 1u << 20;  // the whole 32-bit address space
+std::atomic<uint32_t> g_pageMarks[kPages / 32];
+
+// What the last walk saw, published under a sequence count so that readers
+// take no lock: an odd or changed count means "walk again".
+std::atomic<unsigned> g_walkSequence{0};
+std::atomic<void*> g_walkRuntime{nullptr};
+std::atomic<void*> g_walkLinks[2];  // our own next and next2 links
+std::atomic<void*> g_walkEnds[2];   // the last block along each link
+
+void*& LinkOf(void* block, int which) { return static_cast<void**>(block)[1 + which]; }
+void* LoadLink(void* block, int which) { return __atomic_load_n(&LinkOf(block, which), __ATOMIC_ACQUIRE); }
+
+uint32_t PageOf(const void* p) { return uint32_t(reinterpret_cast<uintptr_t>(p) >> kPageBits) & (kPages - 1); }
+bool PageMarked(const void* p) {
+    uint32_t page = PageOf(p);
+    return g_pageMarks[page / 32].load(std::memory_order_acquire) >> (page % 32) & 1;
+}
+
+void MarkBlock(void* block) {
+    int size = *static_cast<int*>(block);
+    auto* last = static_cast<unsigned char*>(block) + std::max(size, 12) - 1;
+    for (uint32_t page = PageOf(block);; page = (page + 1) & (kPages - 1)) {
+        g_pageMarks[page / 32].fetch_or(1u << (page % 32), std::memory_order_release);
+        if (page == PageOf(last)) break;
+    }
+}
+
+// Under the runtime's lock: marks every block of both chains and records
+// where they end.
+void WalkChains() {
+    zel::RuntimeLock();
+    g_walkSequence.fetch_add(1, std::memory_order_acq_rel);
+    MarkBlock(&g_EmptyConst);
+    for (int which = 0; which < 2; ++which) {
+        void* end = &g_EmptyConst;
+        for (void* next; (next = LoadLink(end, which)); end = next) MarkBlock(next);
+        g_walkLinks[which].store(LoadLink(&g_EmptyConst, which), std::memory_order_relaxed);
+        g_walkEnds[which].store(end, std::memory_order_relaxed);
+    }
+    g_walkRuntime.store(g_pRuntimeClassInfo, std::memory_order_relaxed);
+    g_walkSequence.fetch_add(1, std::memory_order_acq_rel);
+    zel::RuntimeUnlock();
+}
+
+bool ChainsAsWalked() {
+    unsigned before = g_walkSequence.load(std::memory_order_acquire);
+    if (before == 0 || before % 2) return false;
+    bool same = g_walkRuntime.load(std::memory_order_relaxed) == g_pRuntimeClassInfo;
+    for (int which = 0; same && which < 2; ++which) {
+        same = g_walkLinks[which].load(std::memory_order_relaxed) == LoadLink(&g_EmptyConst, which) &&
+               !LoadLink(g_walkEnds[which].load(std::memory_order_relaxed), which);
+    }
+    return same && g_walkSequence.load(std::memory_order_acquire) == before;
+}
+
+// True when p is surely no constant; false sends the caller the slow way.
+bool Ordinary(void* p) {
+    if (!g_pRuntimeClassInfo) return !IsConstData(p);  // only our own block counts: no walk
+    if (!ChainsAsWalked()) WalkChains();
+    return !PageMarked(p);
+}
+}  // namespace
+
 // A negative size is refused like a failed allocation, without a report.
 void* zel_malloc(int size) {
     if (size <= 0) return nullptr;
@@ -47,6 +128,11 @@ void* zel_realloc(void* p, int size) {
     }
     if (!p) return zel_malloc(size);
     if (size < 0 || zel::AllocationFails(__builtin_return_address(0))) return nullptr;
+    if (Ordinary(p)) {
+        void* result = std::realloc(p, size_t(size));
+        if (!result) ReportNoMemory();
+        return result;
+    }
     zel::RuntimeLock();
     void* result;
     if (void* block = zel::ConstBlockOf(p)) {
@@ -67,7 +153,7 @@ void* zel_realloc(void* p, int size) {
 }
 
 void zel_free(void* p) {
-    if (!p || IsConstData(p)) return;
+    if (!p || (!Ordinary(p) && IsConstData(p))) return;
     std::free(p);
 }
 

@@ -23,9 +23,33 @@ namespace {
 const wchar_t kOutput[] = L"系统.输出流";
 const wchar_t kInput[] = L"系统.输入流";
 
+// Hooks read and write many values through one stream: the slot found last
+// for each interface and slot number is kept per thread, keyed by the
+// stream's class chain and own class record.
+struct SlotMemo {
+    const int* chain = nullptr;
+    const void* ownClass = nullptr;
+    void* function = nullptr;
+};
+thread_local SlotMemo t_memo[2][6];
+
+void* CachedSlot(ZelObject* stream, const wchar_t* interfaceName, int slot) {
+    if (!stream || !stream->classChain || stream->classChain[0] < 1 || slot < 1 || slot > 5)
+        return InterfaceSlot(stream, interfaceName, slot);
+    const int* chain = stream->classChain;
+    const void* ownClass = reinterpret_cast<const void*>(chain[1 + 2 * (chain[0] - 1)]);
+    SlotMemo& memo = t_memo[interfaceName == kInput][slot];
+    if (memo.chain != chain || memo.ownClass != ownClass || !memo.function) {
+        memo.function = InterfaceSlot(stream, interfaceName, slot);
+        memo.chain = chain;
+        memo.ownClass = ownClass;
+    }
+    return memo.function;
+}
+
 template <typename Result, typename... Args>
 Result CallSlot(ZelObject* stream, const wchar_t* interfaceName, int slot, Result fallback, Args... args) {
-    auto fn = reinterpret_cast<Result (*)(ZelObject*, Args...)>(InterfaceSlot(stream, interfaceName, slot));
+    auto fn = reinterpret_cast<Result (*)(ZelObject*, Args...)>(CachedSlot(stream, interfaceName, slot));
     return fn ? fn(stream, args...) : fallback;
 }
 }  // namespace

@@ -6,13 +6,14 @@
 #include <iterator>
 #include <mutex>
 #include <new>
+#include <utility>
 
 #include <zel/memory.h>
 #include <zel/textfuncs.h>
 
 namespace {
 
-const int kPrimes[] = {257,     509,     1021,     2053,     4093,     8191,     16381,
+constexpr int kPrimes[] = {257,     509,     1021,     2053,     4093,     8191,     16381,
                        32771,   65521,   131071,   262007,   525013,   1050239,  2100001,
                        4201123, 8402357, 16805323, 33610001, 67220089, 2147483647};
 
@@ -121,8 +122,20 @@ void HashKV::InitHashTable(int n) {
     m_bucketCount = bucketCount;
 }
 
+namespace {
+// h mod p for a prime of the table, by a constant divisor, which the
+// compiler turns into a multiplication instead of a division.
+template <size_t... I>
+unsigned int ModuloPrime(unsigned int h, unsigned int p, std::index_sequence<I...>) {
+    unsigned int result = 0;
+    bool found = ((p == unsigned(kPrimes[I]) ? (result = h % unsigned(kPrimes[I]), true) : false) || ...);
+    return found ? result : h % p;
+}
+}  // namespace
+
 unsigned int HashKV::BucketOf(void* key) const {
-    return m_hash(key) % static_cast<unsigned int>(m_bucketCount);
+    unsigned int h = m_hash(key), p = static_cast<unsigned int>(m_bucketCount);
+    return ModuloPrime(h, p, std::make_index_sequence<std::size(kPrimes)>());
 }
 
 int HashKV::Set(void* key, void* value) {
@@ -276,9 +289,43 @@ int hashkv_IsTextEquals(void* a, void* b) {
 CPtr2PtrHashmap::CPtr2PtrHashmap(int n) : HashKV(n) {}
 CPtr2PtrHashmap::~CPtr2PtrHashmap() = default;
 
-CText2PtrHashmap::CText2PtrHashmap(int n) : HashKV(n) {
-    SetFunctions(hashkv_GetTextHashValue, hashkv_IsTextEquals);
+namespace {
+// The text map spreads its keys by a polynomial over the code units, taken
+// in two interleaved lanes so the multiplications overlap; the high bits are
+// folded in and the prime bucket count does the rest. (A plain sum of code
+// units gives identifier-like keys a few hundred distinct values, and the
+// chains grow with the square of the count.)
+unsigned int TextMapHash(void* key) {
+    const unsigned int kOdd = 0x01000193u, kSquare = kOdd * kOdd;
+    auto* s = static_cast<const wchar_t*>(key);
+    unsigned int even = 0x811C9DC5u, odd = 0x9E3779B9u;
+    if (s) {
+        for (; s[0] && s[1]; s += 2) {
+            even = (even + static_cast<unsigned int>(s[0])) * kSquare;
+            odd = (odd + static_cast<unsigned int>(s[1])) * kSquare;
+        }
+        if (s[0]) even = (even + static_cast<unsigned int>(s[0])) * kOdd;
+    }
+    unsigned int hash = even ^ (odd * kOdd);
+    return hash ^ (hash >> 15);
 }
+
+// Case-sensitive, a null text counting as the empty one.
+int TextMapEquals(void* a, void* b) {
+    auto* x = static_cast<const wchar_t*>(a);
+    auto* y = static_cast<const wchar_t*>(b);
+    if (x == y) return 1;
+    if (!x || !y) return (x ? *x : *y) == 0;
+    for (;; x += 2, y += 2) {
+        if (x[0] != y[0]) return 0;
+        if (!x[0]) return 1;
+        if (x[1] != y[1]) return 0;
+        if (!x[1]) return 1;
+    }
+}
+}  // namespace
+
+CText2PtrHashmap::CText2PtrHashmap(int n) : HashKV(n) { SetFunctions(TextMapHash, TextMapEquals); }
 CText2PtrHashmap::~CText2PtrHashmap() = default;
 
 namespace ZelThread {

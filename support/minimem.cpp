@@ -18,7 +18,8 @@ namespace {
 // The next granule boundary strictly past n (n + A - n mod A); 0 when it
 // does not fit in an int.
 int RoundedCapacity(int n, int granule) {
-    long long capacity = static_cast<long long>(n) + granule - n % granule;
+    int rest = granule & (granule - 1) ? n % granule : n & (granule - 1);  // no division for powers of two
+    long long capacity = static_cast<long long>(n) + granule - rest;
     return capacity > INT_MAX ? 0 : static_cast<int>(capacity);
 }
 
@@ -53,6 +54,21 @@ void CopyOrZero(unsigned char* dst, const void* src, int n) {
         std::memcpy(dst, src, n);
     else
         std::memset(dst, 0, n);
+}
+
+// The capacity a buffer shows grows by its granule; the block beneath grows
+// by half again, so a buffer filled a little at a time is moved a
+// logarithmic number of times instead of once per granule.
+int Reserve(int capacity) {
+    long long reserve = capacity + std::min(capacity / 2, 64 << 20);
+    return reserve > INT_MAX ? capacity : static_cast<int>(reserve);
+}
+
+// The rounded capacity for n bytes when the block beneath holds it without
+// moving; 0 otherwise.
+int CapacityInPlace(unsigned char* data, int n, int granule) {
+    int capacity = RoundedCapacity(n, granule);
+    return capacity && size_t(capacity) <= zel::UsableSize(data) ? capacity : 0;
 }
 
 class FileCloser {
@@ -105,9 +121,16 @@ unsigned char* CMiniMem::Realloc(int n) {
         m_size = n;
         return m_data;
     }
+    if (n > m_capacity) {
+        if (int capacity = CapacityInPlace(m_data, n, granule)) {
+            m_capacity = capacity;
+            m_size = n;
+            return m_data;
+        }
+    }
     int capacity = RoundedCapacity(n, granule);
     if (!capacity) return nullptr;
-    auto* data = static_cast<unsigned char*>(zel_realloc(m_data, capacity));
+    auto* data = static_cast<unsigned char*>(zel_realloc(m_data, capacity > m_capacity ? Reserve(capacity) : capacity));
     if (!data) return nullptr;
     m_data = data;
     m_capacity = capacity;
@@ -141,6 +164,17 @@ void CMiniMem::xchg(CMiniMem& other) {
 int CMiniMem::Append(void* src, int n) {
     if (n == 0) return 1;
     if (n < 0 || n > INT_MAX - m_size) return 0;
+    // While the block does not move, even a source inside it stays valid.
+    int capacity = n <= m_capacity - m_size ? m_capacity : CapacityInPlace(m_data, m_size + n, GetMemAlignSize());
+    if (capacity) {
+        if (src)
+            std::memmove(m_data + m_size, src, n);
+        else
+            std::memset(m_data + m_size, 0, n);
+        m_capacity = capacity;
+        m_size += n;
+        return 1;
+    }
     SourceCopy source(*this, src, n);
     if (source.Failed()) return 0;
     int oldSize = m_size;

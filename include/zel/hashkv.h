@@ -122,7 +122,8 @@ public:
 };
 
 // Keys are wide texts compared case-sensitively; the map does not own them
-// unless SetIsNeedFreeKey(1) is called.
+// unless SetIsNeedFreeKey(1) is called. Its hash is its own (not
+// hashkv_GetTextHashValue), so the order of iteration is unspecified.
 class ZEL_API CText2PtrHashmap : public HashKV {
 public:
     explicit CText2PtrHashmap(int n = 0);

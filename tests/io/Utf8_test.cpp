@@ -1,12 +1,23 @@
 // The UTF-8 legality test of 取文件类型 against an independent decoder that rejects
-// overlongs, surrogates, values past U+10FFFF and broken sequences by arithmetic.
+// overlongs, surrogates, values past U+10FFFF and broken sequences by arithmetic,
+// fed whole and in pieces cut at every offset, and through files read in
+// small pieces.
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "common/test_object.h"
+#include "binary_file_methods.h"
 #include "io/BinaryFile.h"
+#include "io_test_util.h"
+#include <zel/services.h>
+#include <zel/values.h>
+
 
 namespace {
 
@@ -37,12 +48,23 @@ std::string Utf8(uint32_t cp) {
     return out;
 }
 
+// The text ends at its first zero byte.
+bool ReferenceText(const std::string& s) { return ReferenceDecodes(s.substr(0, s.find('\0'))); }
+
 bool Legal(const std::string& s) {
     auto p = reinterpret_cast<const unsigned char*>(s.data());
     return IsLegalUtf8(p, p + s.size());
 }
 
-TEST(Utf8Legality, AgreesWithAReferenceDecoderOnACorpus) {
+bool LegalInPieces(const std::string& s, size_t piece) {
+    Utf8TextCheck check;
+    auto p = reinterpret_cast<const unsigned char*>(s.data());
+    for (size_t at = 0; at < s.size() && check.Feed(p + at, std::min(piece, s.size() - at)); at += piece) {
+    }
+    return check.Legal();
+}
+
+std::vector<std::string> Corpus() {
     std::vector<std::string> corpus = {
         "", "a", "plain text", Utf8(0x7F), Utf8(0x80), Utf8(0x7FF), Utf8(0x800), Utf8(0xFFFF),
         Utf8(0x10000), Utf8(0x10FFFF), Utf8(0xD7FF), Utf8(0xE000), "中文" "abc",
@@ -57,12 +79,110 @@ TEST(Utf8Legality, AgreesWithAReferenceDecoderOnACorpus) {
     for (int lead = 0x80; lead <= 0xFF; ++lead)
         for (int second : {0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC0})
             corpus.push_back(std::string{char(lead), char(second), '\x80', '\x80'});
+    return corpus;
+}
+
+TEST(Utf8Legality, AgreesWithAReferenceDecoderOnACorpus) {
+    std::vector<std::string> corpus = Corpus();
     int legal = 0;
     for (const std::string& s : corpus) {
         EXPECT_EQ(Legal(s), ReferenceDecodes(s)) << testing::PrintToString(s);
         legal += Legal(s);
     }
     EXPECT_TRUE(legal > 100 && legal < int(corpus.size())) << "the corpus holds both kinds";
+}
+
+// Each sample stands behind 0..33 ASCII bytes, so every sequence meets every
+// piece border and every vector position, and is cut after every byte.
+TEST(Utf8Legality, PiecesCutAnywhereGiveTheSameAnswer) {
+    std::vector<std::string> corpus = Corpus();
+    for (std::string extra : {std::string("ab\0\xFF", 4), std::string("\xE4\0\x80", 3), std::string("\0", 1),
+                              std::string("\xC3\xA9\0\xC3", 4), std::string("\xE4\xB8\xAD\0", 4)})
+        corpus.push_back(extra);
+    for (size_t i = 0; i < corpus.size(); i += corpus[i].size() > 6 ? 7 : 1) {  // thinned where it repeats
+        for (size_t pad = 0; pad <= 33; ++pad) {
+            std::string s = std::string(pad, 'a') + corpus[i] + "tail";
+            bool expected = ReferenceText(s);
+            for (size_t piece : {size_t(1), size_t(2), size_t(3), size_t(5), size_t(16), size_t(64)})
+                ASSERT_EQ(LegalInPieces(s, piece), expected) << testing::PrintToString(s) << " in pieces of " << piece;
+        }
+    }
+}
+
+// Long texts go 16 bytes at a time where the processor allows: each sample
+// sits between runs of multibyte text, at every offset in a block.
+TEST(Utf8Legality, LongTextsGiveTheSameAnswer) {
+    std::vector<std::string> corpus = Corpus();
+    corpus.push_back(std::string("\xE4\xB8\xAD\0\xFF", 5));
+    std::string around;
+    while (around.size() < 80) around += "中文 text é";
+    for (size_t i = 0; i < corpus.size(); i += corpus[i].size() > 6 ? 5 : 1) {
+        for (size_t shift = 0; shift < 16; ++shift) {
+            std::string s = std::string(shift, 'a') + around + corpus[i] + around;
+            bool expected = ReferenceText(s);
+            for (size_t piece : {s.size(), size_t(100), 64 + shift})
+                ASSERT_EQ(LegalInPieces(s, piece), expected) << testing::PrintToString(s) << " in pieces of " << piece;
+        }
+    }
+}
+
+// A long ASCII run with one stopping byte at each position: the vector and
+// word paths must find it exactly.
+TEST(Utf8Legality, StopsInsideLongAsciiRuns) {
+    for (size_t at = 0; at < 100; ++at) {
+        for (char stop : {'\x80', '\xFF', '\0'}) {
+            std::string s(100, 'x');
+            s[at] = stop;
+            EXPECT_EQ(Legal(s), stop == '\0') << at;
+        }
+        std::string chinese(100, 'x');
+        chinese.replace(at, 3, "\xE4\xB8\xAD");
+        EXPECT_EQ(Legal(chinese.substr(0, 100)), at + 3 <= 100) << at;
+    }
+}
+
+class FileTypeTest : public ::testing::Test {
+protected:
+    ~FileTypeTest() override { zel::SetFileTypeChunkSize(0); }
+    int TypeOf(const std::string& bytes) {
+        WriteFileBytes(dir.Path("f"), bytes);
+        Owned path(zel::NewText(dir.WPath("f").c_str()));
+        return BinaryFile_GetFileType(bin, path.h);
+    }
+    TempDir dir;
+    TestObject bin{&g_info_BinaryFile, BinaryFile_Init, BinaryFile_Free};
+};
+
+// Files read 7 bytes at a time: sequences and signatures meet the borders.
+TEST_F(FileTypeTest, SmallPiecesDecideLikeTheWholeFile) {
+    zel::SetFileTypeChunkSize(7);
+    std::string mixed;
+    for (int i = 0; i < 50; ++i) mixed += "中文 text, ü ";
+    EXPECT_EQ(TypeOf(""), 0);
+    EXPECT_EQ(TypeOf("\xEF\xBB\xBF\xFF"), 4);
+    EXPECT_TRUE(TypeOf("\xFF\xFE") == 2 && TypeOf("\xFE\xFF") == 3);
+    EXPECT_EQ(TypeOf(mixed), 5);
+    EXPECT_EQ(TypeOf(mixed + "\xE4\xB8"), 1);             // cut at the end of the file
+    EXPECT_EQ(TypeOf(mixed + std::string("\0\xFF", 2)), 5);  // nothing after the zero byte counts
+    for (size_t at = 0; at < 20; ++at) {
+        std::string s = mixed.substr(0, 40);
+        s.insert(at, "\xED\xA0\x80");  // a surrogate at every offset
+        EXPECT_EQ(TypeOf(s), 1) << at;
+    }
+}
+
+// A sparse file past 2 GiB opens and is read with 64-bit offsets; it is too
+// large for a byte set, so reading it whole gives the empty one.
+TEST_F(FileTypeTest, FilesPastTwoGigabytes) {
+    WriteFileBytes(dir.Path("big"), "abc");
+    int fd = open(dir.Path("big").c_str(), O_WRONLY | O_LARGEFILE);
+    ASSERT_GE(fd, 0);
+    bool grown = ftruncate64(fd, (5LL << 29) + 1) == 0;  // 2.5 GiB, holes read as zero
+    close(fd);
+    if (!grown) GTEST_SKIP() << "no sparse files here";
+    Owned path(zel::NewText(dir.WPath("big").c_str()));
+    EXPECT_EQ(BinaryFile_GetFileType(bin, path.h), 5);
+    EXPECT_EQ(BinaryFile_ReadFile(bin, path.h, 1), zel::EmptyBin());
 }
 
 }  // namespace

@@ -1,0 +1,83 @@
+// The memory stream against plain stores and loads in a buffer: writing and
+// reading integers directly, and reading them through the 系统.输入流 slot of
+// a 工具.内存流 object: by the slot function as the runtime calls it, and by
+// zel::StreamReadInt, which finds the slot, as Unserialize hooks do.
+#include <cstring>
+#include <vector>
+
+#include "common/test_object.h"
+#include "io/MemoryStream.h"
+#include <zel/stream_calls.h>
+
+#include "pairs.h"
+
+extern "C" {
+extern tagTBaseTypeInfo g_info_MemoryStream;
+void MemoryStream_Init(ZelObject*);
+void MemoryStream_Free(ZelObject*);
+CMemoryStream* _MemoryStream_GetData(ZelObject*);
+}
+
+namespace {
+
+const int kInts = 1 << 16;
+
+void BM_Streams(benchmark::State& state) {
+    std::vector<unsigned char> plain(kInts * 4);
+    for (int i = 0; i < kInts; ++i) std::memcpy(&plain[i * 4], &i, 4);
+
+    // The baselines store and load each value through memory, one at a time.
+    auto store = [&] {
+        std::vector<unsigned char> out(kInts * 4);
+        unsigned char* p = out.data();
+        for (int i = 0; i < kInts; ++i, p += 4) {
+            std::memcpy(p, &i, 4);
+            benchmark::ClobberMemory();
+        }
+        benchmark::DoNotOptimize(out.data());
+    };
+    auto load = [&] {
+        const unsigned char* p = plain.data();
+        for (int i = 0; i < kInts; ++i, p += 4) {
+            int v;
+            std::memcpy(&v, p, 4);
+            benchmark::DoNotOptimize(v);
+        }
+    };
+    auto write = [&] {
+        CMemoryStream s;
+        for (int i = 0; i < kInts; ++i) s.WriteInt(i);
+        benchmark::DoNotOptimize(s.GetData());
+    };
+    CMemoryStream filled;
+    filled.InitData(plain.data(), int(plain.size()));
+    auto read = [&] {
+        filled.Init();
+        filled.InitData(plain.data(), int(plain.size()));
+        for (int i = 0; i < kInts; ++i) benchmark::DoNotOptimize(filled.ReadInt());
+    };
+    TestObject object(&g_info_MemoryStream, MemoryStream_Init, MemoryStream_Free);
+    CMemoryStream* inside = _MemoryStream_GetData(object);
+    auto slotRead = [&] {
+        inside->InitData(plain.data(), int(plain.size()));
+        for (int i = 0; i < kInts; ++i) benchmark::DoNotOptimize(zel::StreamReadInt(object));
+    };
+    // The slot function itself, found once, as the runtime calls it.
+    auto slot = reinterpret_cast<int (*)(ZelObject*)>(zel::InterfaceSlot(object, L"系统.输入流", 1));
+    auto slotCall = [&] {
+        inside->InitData(plain.data(), int(plain.size()));
+        for (int i = 0; i < kInts; ++i) benchmark::DoNotOptimize(slot(object));
+    };
+    for (auto _ : state) {
+        bench::Compare(201, "CMemoryStream WriteInt", 1.3, store, write, "vs a store loop");
+        bench::Compare(201, "CMemoryStream ReadInt", 2.5, load, read, "vs a load loop");
+        bench::Compare(201, "ReadInt by the 系统.输入流 slot function", 5.0, load, slotCall, "vs a load loop");
+        bench::Compare(201, "zel::StreamReadInt on a 工具.内存流", 5.0, load, slotRead, "vs a load loop");
+    }
+}
+
+}  // namespace
+
+BENCHMARK(BM_Streams)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+BENCH_MAIN("Memory stream")

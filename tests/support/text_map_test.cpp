@@ -1,0 +1,53 @@
+// The text map's own hash and equality: keys that differ in a few code units
+// spread like random ones, and texts compare by content, null as empty.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <zel/hashkv.h>
+
+namespace {
+
+// Identifier-like keys (shared prefixes, same code-unit sums in places) fill
+// about as many buckets as random keys would; the sum of code units fills
+// under a tenth of them.
+TEST(TextMap, SimilarKeysSpreadOverTheBuckets) {
+    const int n = 20000;
+    std::vector<std::wstring> keys;
+    for (int i = 0; i < n; ++i) keys.push_back(L"工具.类" + std::to_wstring(i % 97) + L".方法_" + std::to_wstring(i));
+    keys.push_back(L"ab");
+    keys.push_back(L"ba");  // the same sum
+    CText2PtrHashmap map(n);
+    for (auto& key : keys) ASSERT_EQ(map.Set(key.data(), &key), 1);
+    std::set<int> used;
+    for (auto& key : keys) {
+        int bucket = -1;
+        map.GetKVs(key.data(), &bucket);
+        used.insert(bucket);
+    }
+    double buckets = map.GetBucketCount(), expected = buckets * (1 - std::exp(-double(keys.size()) / buckets));
+    EXPECT_GT(double(used.size()), 0.95 * expected);
+    EXPECT_EQ(map.GetCount(), int(keys.size()));
+    void* value = nullptr;
+    std::wstring probe = L"ba";
+    EXPECT_TRUE(map.Get(probe.data(), &value) && value == &keys.back());
+}
+
+TEST(TextMap, TextsCompareByContentAndNullIsEmpty) {
+    CText2PtrHashmap map;
+    wchar_t stored[] = L"键", same[] = L"键", empty[] = L"";
+    int one = 1, two = 2;
+    map.Set(stored, &one);
+    map.Set(nullptr, &two);
+    void* value = nullptr;
+    EXPECT_TRUE(map.Get(same, &value) && value == &one);
+    EXPECT_TRUE(map.Get(empty, &value) && value == &two);  // null and "" are one key
+    EXPECT_EQ(map.GetCount(), 2);
+    EXPECT_FALSE(map.IsExist(const_cast<wchar_t*>(L"键键")));
+    EXPECT_EQ(hashkv_GetTextHashValue(const_cast<wchar_t*>(L"ab")), unsigned(L'a' + L'b'));  // the sum stays
+}
+
+}  // namespace
