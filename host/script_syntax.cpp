@@ -2,6 +2,8 @@
 #include <charconv>
 #include <climits>
 #include <cstring>
+#include <locale.h>
+#include <stdlib.h>
 
 #include "host/script_internal.h"
 
@@ -117,6 +119,10 @@ std::vector<Token> Tokenize(const std::wstring& line) {
             if (isDouble) {
                 t.type = T::Double;
                 r = std::from_chars(first, last, t.d);
+                // from_chars checks the form; strtod_l rounds correctly on x87,
+                // where from_chars' fast path can round twice.
+                static locale_t c = newlocale(LC_ALL_MASK, "C", locale_t(0));
+                if (r.ec == std::errc() && c) t.d = strtod_l(first, nullptr, c);
             } else {
                 t.type = T::Int;
                 long long v = 0;

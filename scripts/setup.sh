@@ -3,7 +3,16 @@
 # Idempotent: does nothing when everything is already there.
 set -euo pipefail
 
+# Usage: setup.sh [fuzz] [coverage] — the extras add what scripts/fuzz.sh and
+# scripts/coverage.sh need.
 packages=(g++-multilib cmake pkgconf libgtest-dev:i386 libbenchmark-dev:i386 libffi-dev:i386)
+for extra in "$@"; do
+  case "$extra" in
+    fuzz) command -v clang++ >/dev/null 2>&1 || packages+=(clang); packages+=(libclang-rt-dev) ;;
+    coverage) packages+=(gcovr) ;;
+    *) echo "setup: unknown extra $extra (fuzz, coverage)" >&2; exit 2 ;;
+  esac
+done
 
 # Wanted but not needed: without libedit `ncl repl` reads plain lines.
 optional=(libedit2:i386)

@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cctype>
 #include <climits>
+#include <clocale>
+#include <cstdlib>
 #include <cwctype>
 #include <string>
 
@@ -187,12 +190,34 @@ int myatoi(const wchar_t* s) {
     return static_cast<int>(std::clamp<long long>(value, INT_MIN, INT_MAX));
 }
 
-// '.' is the decimal point whatever the locale says.
+namespace {
+
+// Digits, '.' and an exponent only: "inf", "nan" and hex text read as 0.
+bool StartsDecimal(const std::string& text) {
+    size_t i = !text.empty() && text[0] == '-';
+    return i < text.size() && (std::isdigit(static_cast<unsigned char>(text[i])) || text[i] == '.');
+}
+
+// The "C" locale, made once: '.' is the decimal point whatever the process's locale says.
+locale_t CLocale() {
+    static const locale_t c = newlocale(LC_ALL_MASK, "C", locale_t(0));
+    return c;
+}
+
+}  // namespace
+
+// std::from_chars finds where the decimal number ends; strtod converts it,
+// correctly rounded (from_chars is not on x87, where its fast path rounds
+// twice) and ±infinity past the range of a double, ±0 below it.
 double myatof(const wchar_t* s) {
     std::string text = AsciiNumber(s);
-    double value = 0;
-    auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() ? value : 0.0;
+    if (!StartsDecimal(text)) return 0.0;
+    double ignored = 0;
+    const char* end = std::from_chars(text.data(), text.data() + text.size(), ignored).ptr;
+    if (end == text.data()) return 0.0;
+    text.resize(end - text.data());
+    locale_t c = CLocale();
+    return c ? strtod_l(text.c_str(), nullptr, c) : 0.0;
 }
 
 unsigned int GetTextHash(const wchar_t* s) {

@@ -11,6 +11,9 @@ d.小数 = 0.1
 print d.小数
 d.小数 = -1.5e300
 print d.小数
+# A literal is rounded once, to the nearest double.
+d.小数 = 92222228E18
+print d.小数
 
 b = new 工具.逻辑类
 b.逻辑 = 真
