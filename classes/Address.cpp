@@ -91,7 +91,7 @@ static tagMethodItem kMethods[] = {
 };
 static_assert(sizeof(kMethods) / sizeof(kMethods[0]) == 13);
 
-static tagElementItem kElements[] = {Element(L"地址", L"_i", ZEL_ELEMENT_HIDDEN)};
+static tagElementItem kElements[] = {HiddenState()};
 
 ZEL_RECORD(tagTBaseTypeInfo, g_info_Address) = ClassRecord(L"工具.地址", L"地址类", kMethods, kElements);
 ZEL_REGISTER_CLASS(g_info_Address);

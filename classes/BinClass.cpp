@@ -17,10 +17,11 @@ ZEL_EXPORT void BinClass_Free(ZelObject* obj) {
     SetDataItemData(obj, 1, 0, nullptr);
 }
 
-// The runtime counts only handles it made: hand it a new byte set of the held bytes.
+// The runtime counts only handles it made: hand it a new byte set of the held
+// bytes. Until a byte set is stored there is none: null.
 ZEL_EXPORT unsigned char* BinClass_GetValue(ZelObject* obj) {
     unsigned char* held = HeldBin(obj);
-    return held ? zel::NewBin(MGetZelBinData(held), MGetZelBinLength(held)) : zel::EmptyBin();
+    return held ? zel::NewBin(MGetZelBinData(held), MGetZelBinLength(held)) : nullptr;
 }
 
 // A null or malformed (negative length) argument, or a failed allocation,

@@ -63,10 +63,12 @@ ZEL_EXPORT unsigned char* Font_ToText(ZelObject* obj) {
     FontRecord* f = _Font_GetData(obj);
     if (!f) return zel::EmptyText();
     // At least 1,024 units; more for a long name, so it never overruns.
-    std::vector<wchar_t> buf(std::max(1024, f->name.GetLength() + 128), 0);
-    swprintf_linux(buf.data(), const_cast<wchar_t*>(L"%s, %d, %d, %d, %d, %d, %d"), f->name.GetText(),
-                   f->charset, f->size, f->family, f->style, f->underline, f->weight);
-    return zel::NewText(buf.data());
+    return zel::NeutralOnNoMemory(zel::EmptyText(), [f] {
+        std::vector<wchar_t> buf(std::max(1024, f->name.GetLength() + 128), 0);
+        swprintf_linux(buf.data(), const_cast<wchar_t*>(L"%s, %d, %d, %d, %d, %d, %d"), f->name.GetText(),
+                       f->charset, f->size, f->family, f->style, f->underline, f->weight);
+        return zel::NewText(buf.data());
+    });
 }
 
 // Items beyond the end of the text leave their field unchanged.

@@ -6,6 +6,7 @@
 
 #include <zel/class_table.h>
 #include <zel/memory.h>
+#include <zel/no_memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
 
@@ -26,7 +27,17 @@ static void DropAll(ObjectList* items) {
     items->clear();
 }
 
-ZEL_EXPORT void List_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new ObjectList); }
+// Without memory for the state every method answers as for no list.
+ZEL_EXPORT void List_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, zel::NewOrNull<ObjectList>()); }
+
+// The node is made before the reference is taken: without memory the list
+// and the item are left as they were.
+static void Store(ObjectList& items, ObjectList::iterator before, ZelObject* item) {
+    zel::NeutralOnNoMemory([&] {
+        auto node = items.insert(before, nullptr);
+        *node = Keep(item);
+    });
+}
 
 ZEL_EXPORT void List_Free(ZelObject* obj) {
     ObjectList* items = _List_GetData(obj);
@@ -38,17 +49,13 @@ ZEL_EXPORT void List_Free(ZelObject* obj) {
 // The argument is only lent for the call: the stored item takes its own reference.
 ZEL_EXPORT void List_AddItem(ZelObject* obj, ZelObject* item, int atEnd) {
     ObjectList* items = _List_GetData(obj);
-    if (!items) return;
-    if (atEnd)
-        items->push_back(Keep(item));
-    else
-        items->push_front(Keep(item));
+    if (items) Store(*items, atEnd ? items->end() : items->begin(), item);
 }
 
 ZEL_EXPORT void List_InsertItem(ZelObject* obj, int position, ZelObject* item) {
     ObjectList* items = _List_GetData(obj);
     if (!items || position < 0 || position > Count(*items)) return;
-    items->insert(At(*items, position), Keep(item));
+    Store(*items, At(*items, position), item);
 }
 
 ZEL_EXPORT void List_RemoveItem(ZelObject* obj, int position) {
@@ -71,13 +78,11 @@ ZEL_EXPORT void List_SetItem(ZelObject* obj, int position, ZelObject* item) {
     ObjectList* items = _List_GetData(obj);
     if (!items || position < 0) return;
     int count = Count(*items);
+    if (position == count) return Store(*items, items->end(), item);
     if (position > count) return;
     ZelObject* clone = nullptr;
     SetCloneIntoObjectVar(&clone, item);
-    if (position == count)
-        items->push_back(clone);
-    else
-        *At(*items, position) = clone;
+    *At(*items, position) = clone;
 }
 
 ZEL_EXPORT void List_Clear(ZelObject* obj) { DropAll(_List_GetData(obj)); }

@@ -4,6 +4,7 @@
 #include <map>
 
 #include <zel/node.h>
+#include <zel/no_memory.h>
 #include <zel/class_table.h>
 #include <zel/services.h>
 #include <zel/values.h>
@@ -30,7 +31,8 @@ static NodeMap::iterator Entry(NodeMap& map, const CNode& key) {
     return it;
 }
 
-ZEL_EXPORT void Map_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new NodeMap); }
+// Without memory for the state every method answers as for no table.
+ZEL_EXPORT void Map_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, zel::NewOrNull<NodeMap>()); }
 
 ZEL_EXPORT void Map_Free(ZelObject* obj) {
     delete _Map_GetData(obj);
@@ -38,28 +40,40 @@ ZEL_EXPORT void Map_Free(ZelObject* obj) {
 }
 
 // Looks the key up, adding it when absent, and hands nothing back: the value
-// argument is never written, as designed. Without a table it returns 0.
+// argument is never written, as designed. Without a table, or without
+// memory for the new key, it returns 0.
 ZEL_EXPORT int Map_GetValue(ZelObject* obj, ZelObject* key, ZelObject* value) {
     NodeMap* map = _Map_GetData(obj);
     if (!map) return 0;
-    CNode entryValue(Entry(*map, ObjectNode(key))->second);
-    if (ZelObject* unused = entryValue.GetObject()) zel::Release(unused);
-    return 1;
+    return zel::NeutralOnNoMemory(0, [&] {
+        CNode entryValue(Entry(*map, ObjectNode(key))->second);
+        if (ZelObject* unused = entryValue.GetObject()) zel::Release(unused);
+        return 1;
+    });
 }
 
+// Without memory the table stays as it was.
 ZEL_EXPORT void Map_SetValue(ZelObject* obj, ZelObject* key, ZelObject* value) {
     NodeMap* map = _Map_GetData(obj);
     if (!map) return;
-    CNode keyNode = ObjectNode(key);
-    CNode valueNode = ObjectNode(value);
-    Entry(*map, keyNode)->second = valueNode;
+    zel::NeutralOnNoMemory([&] {
+        CNode keyNode = ObjectNode(key);
+        CNode valueNode = ObjectNode(value);
+        auto it = map->lower_bound(keyNode);
+        if (Found(*map, it, keyNode))
+            it->second = valueNode;
+        else
+            map->emplace_hint(it, keyNode, valueNode);
+    });
 }
 
 ZEL_EXPORT int Map_HasKey(ZelObject* obj, ZelObject* key) {
     NodeMap* map = _Map_GetData(obj);
     if (!map) return 0;
-    CNode keyNode = ObjectNode(key);
-    return Found(*map, map->lower_bound(keyNode), keyNode);
+    return zel::NeutralOnNoMemory(0, [&] {
+        CNode keyNode = ObjectNode(key);
+        return int(Found(*map, map->lower_bound(keyNode), keyNode));
+    });
 }
 
 // Declared "_b" though it yields the count, as it stands.

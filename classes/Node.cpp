@@ -8,7 +8,6 @@
 #include <zel/memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
-#include <zel/mstring.h>
 #include <zel/textfuncs.h>
 
 namespace {
@@ -126,10 +125,18 @@ const WrapperRule kWrapperRules[] = {
     {L"工具.字节集类", CompareByteSets, true},
 };
 
-const WrapperRule* RuleFor(const CMString& className) {
+const WrapperRule* RuleFor(const wchar_t* className) {
     for (const WrapperRule& rule : kWrapperRules)
-        if (className == rule.className) return &rule;
+        if (mystrcmp(className, rule.className) == 0) return &rule;
     return nullptr;
+}
+
+// A private copy of size bytes, or null for no bytes; throws std::bad_alloc.
+unsigned char* CopyOf(const void* source, int size) {
+    if (!source || size <= 0) return nullptr;
+    auto* copy = new unsigned char[size];
+    std::memcpy(copy, source, size);
+    return copy;
 }
 
 }  // namespace
@@ -141,10 +148,12 @@ CNode::CNode(CNode const& other) : CNode() { *this = other; }
 CNode::~CNode() { ReleaseData(); }
 
 // A copy of an object node holds its own reference. The reference is taken
-// before the old data goes, so assigning a node to itself keeps the object.
+// once the copy exists and before the old data goes, so a failed allocation
+// leaks none and assigning a node to itself keeps the object.
 CNode& CNode::operator=(CNode const& other) {
-    if (other.m_type == NodeObject && other.m_data) zel::AddRef(other.m_data);
-    SetData(other.m_type, other.m_data, other.m_length);
+    unsigned char* copy = CopyOf(other.m_data, other.m_length);
+    if (other.m_type == NodeObject && copy) zel::AddRef(other.m_data);
+    Store(other.m_type, copy, other.m_data ? other.m_length : 0);
     return *this;
 }
 
@@ -188,15 +197,12 @@ void CNode::ReleaseData() {
 
 // The bytes are copied before the old data is released, so a source inside
 // this node's own data stays readable.
-void CNode::SetData(CNode::NodeType type, void* source, int size) {
-    unsigned char* copy = nullptr;
-    if (source && size > 0) {
-        copy = new unsigned char[size];
-        std::memcpy(copy, source, size);
-    }
+void CNode::SetData(CNode::NodeType type, void* source, int size) { Store(type, CopyOf(source, size), source ? size : 0); }
+
+void CNode::Store(CNode::NodeType type, unsigned char* copy, int length) {
     ReleaseData();
     m_type = type;
-    m_length = source ? size : 0;
+    m_length = length;
     m_data = copy;
 }
 
@@ -224,9 +230,11 @@ void CNode::SetBin(unsigned char* block) {
     SetData(NodeBin, block, int(size));
 }
 
+// The reference is taken once the copy exists: a failed allocation leaks none.
 void CNode::SetObject(ZelObject* object) {
-    if (object) zel::AddRef(object);
-    SetData(NodeObject, object, sizeof(ZelObject));
+    unsigned char* copy = CopyOf(object, sizeof(ZelObject));
+    if (copy) zel::AddRef(object);
+    Store(NodeObject, copy, object ? int(sizeof(ZelObject)) : 0);
 }
 
 namespace {
@@ -255,11 +263,11 @@ bool CompareObjectNodes(const CNode& a, const CNode& b, Test test) {
     HeldObject y(b.GetObject());
     auto handles = [&] { return ByteRule(a.GetData(), b.GetData(), a.GetDataLength(), test); };
     if (!x.get() || !y.get()) return handles();
-    CMString className(MGetClassName(x.get()));
+    const wchar_t* className = MGetClassName(x.get());
     const WrapperRule* rule = RuleFor(className);
     if (!rule) return handles();
     // A getter of one class must not run on an object of another.
-    if (rule->callsGetters && className != MGetClassName(y.get())) return handles();
+    if (rule->callsGetters && mystrcmp(className, MGetClassName(y.get())) != 0) return handles();
     return rule->compare(x.get(), y.get(), test);
 }
 

@@ -9,6 +9,7 @@
 #include <string>
 
 #include <zel/class_table.h>
+#include <zel/no_memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
 
@@ -88,8 +89,10 @@ ZEL_EXPORT void Pointer_WriteBin(ZelObject* obj, unsigned char* bin) {
 ZEL_EXPORT unsigned char* Pointer_ReadText(ZelObject* obj, int count) {
     auto* p = static_cast<const wchar_t*>(Target(obj));
     if (!p || count <= 0) return zel::EmptyText();
-    std::wstring text(p, wcsnlen(p, size_t(count)));
-    return text.empty() ? zel::EmptyText() : zel::NewText(text.c_str());
+    return zel::NeutralOnNoMemory(zel::EmptyText(), [p, count] {
+        std::wstring text(p, wcsnlen(p, size_t(count)));
+        return text.empty() ? zel::EmptyText() : zel::NewText(text.c_str());
+    });
 }
 
 // Writes the characters and their terminator; a null text writes nothing.

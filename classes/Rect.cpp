@@ -20,7 +20,7 @@ ZEL_EXPORT void Rect_Free(ZelObject* obj) { zel::DeleteState<RectState>(obj); }
 // The clone's state: a copy of the edges.
 ZEL_EXPORT void* Rect_Clone(ZelObject* obj) {
     RectState* r = _Rect_GetData(obj);
-    return r ? new RectState(*r) : nullptr;
+    return r ? new (std::nothrow) RectState(*r) : nullptr;
 }
 
 ZEL_EXPORT int Rect_GetLeft(ZelObject* obj) { return zel::GetField<&RectState::left>(obj); }

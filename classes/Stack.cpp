@@ -4,13 +4,15 @@
 #include <deque>
 
 #include <zel/class_table.h>
+#include <zel/no_memory.h>
 #include <zel/values.h>
 
 using ObjectDeque = std::deque<ZelObject*>;
 
 ZEL_EXPORT ObjectDeque* _Stack_GetData(ZelObject* obj) { return static_cast<ObjectDeque*>(GetDataItemData(obj, 1, 0)); }
 
-ZEL_EXPORT void Stack_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new ObjectDeque); }
+// Without memory for the state every method answers as for no stack.
+ZEL_EXPORT void Stack_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, zel::NewOrNull<ObjectDeque>()); }
 
 ZEL_EXPORT void Stack_Free(ZelObject* obj) {
     delete _Stack_GetData(obj);
@@ -18,15 +20,17 @@ ZEL_EXPORT void Stack_Free(ZelObject* obj) {
 }
 
 // A shallow copy: the same pointers in the same order. A stack without a
-// deque clones to an empty one.
+// deque clones to an empty one; without memory there is no clone (null).
 ZEL_EXPORT ObjectDeque* Stack_Clone(ZelObject* obj) {
-    auto* copy = new ObjectDeque;
-    if (ObjectDeque* items = _Stack_GetData(obj)) *copy = *items;
-    return copy;
+    return zel::NeutralOnNoMemory<ObjectDeque*>(nullptr, [&] {
+        ObjectDeque* items = _Stack_GetData(obj);
+        return items ? new ObjectDeque(*items) : new ObjectDeque;
+    });
 }
 
+// Without memory the stack stays as it was.
 ZEL_EXPORT void Stack_Push(ZelObject* obj, ZelObject* item) {
-    if (ObjectDeque* items = _Stack_GetData(obj)) items->push_back(item);
+    if (ObjectDeque* items = _Stack_GetData(obj)) zel::NeutralOnNoMemory([&] { items->push_back(item); });
 }
 
 // Popping an empty stack does nothing.

@@ -6,6 +6,7 @@
 #include <string>
 
 #include <zel/class_table.h>
+#include <zel/no_memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
 
@@ -15,7 +16,9 @@ ZEL_EXPORT std::wstring* _String_GetData(ZelObject* obj) {
     return static_cast<std::wstring*>(GetDataItemData(obj, 1, 0));
 }
 
-ZEL_EXPORT void String_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new std::wstring()); }
+// Without memory for the state the object stays without one, and every
+// method answers as for an empty text and changes nothing.
+ZEL_EXPORT void String_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, zel::NewOrNull<std::wstring>()); }
 
 ZEL_EXPORT void String_Free(ZelObject* obj) {
     delete _String_GetData(obj);
@@ -26,22 +29,32 @@ ZEL_EXPORT void String_Free(ZelObject* obj) {
 ZEL_EXPORT int String_Serialize(ZelObject*, ZelObject*) { return 1; }
 ZEL_EXPORT int String_Unserialize(ZelObject*, ZelObject*) { return 1; }
 
-ZEL_EXPORT unsigned char* String_GetText(ZelObject* obj) { return zel::NewText(_String_GetData(obj)->c_str()); }
-
-ZEL_EXPORT void String_SetText(ZelObject* obj, unsigned char* text) {
-    const wchar_t* chars = TextChars(text);
-    _String_GetData(obj)->assign(chars ? chars : L"");
+ZEL_EXPORT unsigned char* String_GetText(ZelObject* obj) {
+    std::wstring* s = _String_GetData(obj);
+    return zel::NewText(s ? s->c_str() : L"");
 }
 
-ZEL_EXPORT int String_GetLength(ZelObject* obj) { return int(_String_GetData(obj)->size()); }
+// Growing the text may throw std::bad_alloc, for the runtime to report; the
+// text is then as it was.
+ZEL_EXPORT void String_SetText(ZelObject* obj, unsigned char* text) {
+    const wchar_t* chars = TextChars(text);
+    if (std::wstring* s = _String_GetData(obj)) s->assign(chars ? chars : L"");
+}
+
+ZEL_EXPORT int String_GetLength(ZelObject* obj) {
+    std::wstring* s = _String_GetData(obj);
+    return s ? int(s->size()) : 0;
+}
 
 ZEL_EXPORT void String_Append(ZelObject* obj, unsigned char* text) {
-    if (const wchar_t* chars = TextChars(text)) _String_GetData(obj)->append(chars);
+    std::wstring* s = _String_GetData(obj);
+    if (const wchar_t* chars = TextChars(text); chars && s) s->append(chars);
 }
 
 // A position past the end throws std::out_of_range, for the runtime to report.
 ZEL_EXPORT void String_Insert(ZelObject* obj, int position, unsigned char* text) {
-    if (const wchar_t* chars = TextChars(text)) _String_GetData(obj)->insert(unsigned(position), chars);
+    std::wstring* s = _String_GetData(obj);
+    if (const wchar_t* chars = TextChars(text); chars && s) s->insert(unsigned(position), chars);
 }
 
 // Removes min(start + count, length - start) units: the sum, wrapping at
@@ -49,6 +62,7 @@ ZEL_EXPORT void String_Insert(ZelObject* obj, int position, unsigned char* text)
 // the start. A start past the end throws out_of_range ("basic_string::erase").
 ZEL_EXPORT void String_Delete(ZelObject* obj, int start, int count) {
     std::wstring* s = _String_GetData(obj);
+    if (!s) return;
     unsigned from = unsigned(start);
     unsigned sum = from + unsigned(count);
     s->erase(from, from > s->size() ? 0 : std::min<unsigned>(sum, s->size() - from));
@@ -57,12 +71,14 @@ ZEL_EXPORT void String_Delete(ZelObject* obj, int start, int count) {
 // Not found (npos) comes back as -1.
 ZEL_EXPORT int String_Find(ZelObject* obj, unsigned char* text, int start) {
     const wchar_t* chars = TextChars(text);
-    return chars ? int(_String_GetData(obj)->find(chars, unsigned(start))) : -1;
+    std::wstring* s = _String_GetData(obj);
+    return chars && s ? int(s->find(chars, unsigned(start))) : -1;
 }
 
 ZEL_EXPORT int String_ReverseFind(ZelObject* obj, unsigned char* text, int start) {
     const wchar_t* chars = TextChars(text);
-    return chars ? int(_String_GetData(obj)->rfind(chars, unsigned(start))) : -1;
+    std::wstring* s = _String_GetData(obj);
+    return chars && s ? int(s->rfind(chars, unsigned(start))) : -1;
 }
 
 // Kept as an operation that changes nothing; its second parameter is an integer.
@@ -71,7 +87,9 @@ ZEL_EXPORT int String_Replace(ZelObject*, unsigned char*, int) { return 0; }
 // The first differing unit decides; with equal prefixes the result is the
 // length difference, so a proper prefix compares below the longer text.
 ZEL_EXPORT int String_Compare(ZelObject* obj, unsigned char* text) {
+    static const std::wstring kNone;
     const std::wstring* s = _String_GetData(obj);
+    if (!s) s = &kNone;
     const wchar_t* chars = TextChars(text);
     if (!chars) chars = L"";
     std::size_t length = std::wcslen(chars);

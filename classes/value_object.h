@@ -11,6 +11,7 @@
 #include <zel/services.h>
 #include <zel/values.h>
 #include <zel/mstring.h>
+#include <zel/no_memory.h>
 #include <zel/textfuncs.h>
 
 namespace zel {
@@ -20,9 +21,10 @@ template <typename State>
 State* StateOf(ZelObject* obj) {
     return static_cast<State*>(GetDataItemData(obj, 1, 0));
 }
+// Without memory there is no state: every method then answers with its neutral result.
 template <typename State>
 void NewState(ZelObject* obj) {
-    SetDataItemData(obj, 1, 0, new State{});
+    SetDataItemData(obj, 1, 0, NewOrNull<State>());
 }
 template <typename State>
 void DeleteState(ZelObject* obj) {
@@ -34,7 +36,7 @@ void DeleteState(ZelObject* obj) {
 // rather than leftover memory; without a cell (no memory) it reads 0 too.
 template <typename T>
 void NewCell(ZelObject* obj) {
-    SetDataItemData(obj, 1, 0, new (std::nothrow) T());
+    SetDataItemData(obj, 1, 0, NewOrNull<T>());
 }
 template <typename T>
 T CellValue(ZelObject* obj) {

@@ -13,6 +13,7 @@
 #include "io/File.h"
 #include <zel/class_table.h>
 #include <zel/memory.h>
+#include <zel/no_memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
 
@@ -22,7 +23,7 @@ ZEL_EXPORT CFile* _GetBinaryFilePtr(ZelObject* obj) {
     return obj ? static_cast<CFile*>(GetDataItemData(obj, 1, 0)) : nullptr;
 }
 
-ZEL_EXPORT void BinaryFile_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new CFile); }
+ZEL_EXPORT void BinaryFile_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, zel::NewOrNull<CFile>()); }
 
 ZEL_EXPORT void BinaryFile_Free(ZelObject* obj) {
     if (CFile* file = _GetBinaryFilePtr(obj)) {

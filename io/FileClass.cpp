@@ -8,6 +8,7 @@
 #include "io/File.h"
 #include "io/FileInterface.h"
 #include <zel/class_table.h>
+#include <zel/no_memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
 
@@ -17,7 +18,7 @@ ZEL_EXPORT CFile* _GetFilePtr(ZelObject* obj) {
     return obj ? static_cast<CFile*>(GetDataItemData(obj, kLevel, 0)) : nullptr;
 }
 
-ZEL_EXPORT void File_Init(ZelObject* obj) { SetDataItemData(obj, kLevel, 0, new CFile); }
+ZEL_EXPORT void File_Init(ZelObject* obj) { SetDataItemData(obj, kLevel, 0, zel::NewOrNull<CFile>()); }
 
 ZEL_EXPORT void File_Free(ZelObject* obj) {
     if (CFile* file = _GetFilePtr(obj)) {

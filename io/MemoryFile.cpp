@@ -9,6 +9,7 @@
 
 #include "io/FileInterface.h"
 #include <zel/class_table.h>
+#include <zel/no_memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
 #include <zel/minimem.h>
@@ -22,7 +23,7 @@ ZEL_EXPORT MemoryFile* _MemoryFile_GetData(ZelObject* obj) {
     return obj ? static_cast<MemoryFile*>(GetDataItemData(obj, 1, 0)) : nullptr;
 }
 
-ZEL_EXPORT void MemoryFile_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, new MemoryFile); }
+ZEL_EXPORT void MemoryFile_Init(ZelObject* obj) { SetDataItemData(obj, 1, 0, zel::NewOrNull<MemoryFile>()); }
 
 ZEL_EXPORT void MemoryFile_Free(ZelObject* obj) {
     delete _MemoryFile_GetData(obj);

@@ -1,4 +1,5 @@
 #include "io/MemoryStream.h"
+#include <zel/no_memory.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -92,23 +93,26 @@ double CMemoryStream::ReadDouble() {
 }
 
 // A text missing its zero unit takes the whole units that are there and
-// stops at them; the position never passes the length.
+// stops at them; the position never passes the length. Without memory for
+// the text it gives the empty text and does not move.
 unsigned char* CMemoryStream::ReadText() {
-    std::wstring text;
-    int units = std::max(0, Remaining()) / 4;
-    int taken = 0;
-    bool terminated = false;
-    for (; taken < units; ++taken) {
-        wchar_t c;
-        Peek(&c, taken * 4, 4);
-        if (c == 0) {
-            terminated = true;
-            break;
+    return zel::NeutralOnNoMemory(zel::EmptyText(), [this] {
+        std::wstring text;
+        int units = std::max(0, Remaining()) / 4;
+        int taken = 0;
+        bool terminated = false;
+        for (; taken < units; ++taken) {
+            wchar_t c;
+            Peek(&c, taken * 4, 4);
+            if (c == 0) {
+                terminated = true;
+                break;
+            }
+            text.push_back(c);
         }
-        text.push_back(c);
-    }
-    m_position += taken * 4 + (terminated ? 4 : 0);
-    return zel::NewText(text.c_str());
+        m_position += taken * 4 + (terminated ? 4 : 0);
+        return zel::NewText(text.c_str());
+    });
 }
 
 // A byte set reads back from its block form, but the position advances by

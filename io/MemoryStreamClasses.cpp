@@ -3,6 +3,7 @@
 // 系统.输出流 (six slots each, the stream object first).
 #include "io/MemoryStream.h"
 #include <zel/class_table.h>
+#include <zel/no_memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
 
@@ -10,7 +11,7 @@ ZEL_EXPORT CMemoryStream* _MemoryStream_GetData(ZelObject* obj) {
     return obj ? static_cast<CMemoryStream*>(GetDataItemData(obj, 1, 0)) : nullptr;
 }
 
-static void InitStream(ZelObject* obj) { SetDataItemData(obj, 1, 0, new CMemoryStream); }
+static void InitStream(ZelObject* obj) { SetDataItemData(obj, 1, 0, zel::NewOrNull<CMemoryStream>()); }
 
 static void FreeStream(ZelObject* obj) {
     if (CMemoryStream* stream = _MemoryStream_GetData(obj)) {

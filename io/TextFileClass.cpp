@@ -6,6 +6,7 @@
 #include "io/File.h"
 #include "io/FileInterface.h"
 #include <zel/class_table.h>
+#include <zel/no_memory.h>
 #include <zel/services.h>
 #include <zel/values.h>
 
@@ -15,7 +16,7 @@ ZEL_EXPORT CTextFile* _TextFile_GetData(ZelObject* obj) {
     return obj ? static_cast<CTextFile*>(GetDataItemData(obj, kLevel, 0)) : nullptr;
 }
 
-ZEL_EXPORT void TextFile_Init(ZelObject* obj) { SetDataItemData(obj, kLevel, 0, new CTextFile); }
+ZEL_EXPORT void TextFile_Init(ZelObject* obj) { SetDataItemData(obj, kLevel, 0, zel::NewOrNull<CTextFile>()); }
 
 ZEL_EXPORT void TextFile_Free(ZelObject* obj) {
     if (CTextFile* file = _TextFile_GetData(obj)) {

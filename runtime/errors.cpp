@@ -9,6 +9,7 @@
 // "%s" in our formats is a wide string, which the C library spells "%S":
 // swap the two, looking only at the character right after each '%'. The
 // caller's format is never changed; `copy` takes the text at the first swap.
+// Null when that copy cannot be allocated: nothing may be printed then.
 const wchar_t* zel::CLibraryFormat(const wchar_t* fmt, CMString& copy) {
     if (!fmt) return L"";
     bool copied = false;
@@ -18,6 +19,7 @@ const wchar_t* zel::CLibraryFormat(const wchar_t* fmt, CMString& copy) {
         if (next == L's' || next == L'S') {
             if (!copied) {
                 copy.SetText(fmt);
+                if (copy.IsEmpty()) return nullptr;
                 copied = true;
             }
             copy.GetText()[i + 1] = next == L's' ? L'S' : L's';
@@ -27,19 +29,24 @@ const wchar_t* zel::CLibraryFormat(const wchar_t* fmt, CMString& copy) {
     return copied ? copy.GetText() : fmt;
 }
 
+// Without memory for the format the print family prints nothing and fails
+// (-1), leaving the output buffer as it was.
 int vwprintf_linux(wchar_t* fmt, va_list args) {
     CMString copy;
-    return std::vwprintf(zel::CLibraryFormat(fmt, copy), args);
+    const wchar_t* format = zel::CLibraryFormat(fmt, copy);
+    return format ? std::vwprintf(format, args) : -1;
 }
 
 int vfwprintf_linux(FILE* stream, wchar_t* fmt, va_list args) {
     CMString copy;
-    return std::vfwprintf(stream, zel::CLibraryFormat(fmt, copy), args);
+    const wchar_t* format = zel::CLibraryFormat(fmt, copy);
+    return format ? std::vfwprintf(stream, format, args) : -1;
 }
 
 int vswprintf_linux(wchar_t* buf, wchar_t* fmt, va_list args) {
     CMString copy;
-    return std::vswprintf(buf, 0x1FFFFFFF, zel::CLibraryFormat(fmt, copy), args);
+    const wchar_t* format = zel::CLibraryFormat(fmt, copy);
+    return format ? std::vswprintf(buf, 0x1FFFFFFF, format, args) : -1;
 }
 
 int wprintf_linux(wchar_t* fmt, ...) {

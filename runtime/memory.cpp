@@ -18,12 +18,7 @@
 
 namespace {
 int g_failCountdown = 0;
-
-// True when a test asked for this allocation to fail.
-bool InjectedFailure() {
-    if (g_failCountdown <= 0) return false;
-    return --g_failCountdown == 0;
-}
+void (*g_watch)(const void*) = nullptr;
 
 void ReportNoMemory() {
     MReportError(const_cast<wchar_t*>(L""), ZEL_ERR_NO_MEMORY, const_cast<wchar_t*>(L"分配内存失败"));
@@ -31,6 +26,14 @@ void ReportNoMemory() {
 }  // namespace
 
 void zel::FailAllocationAfter(int n) { g_failCountdown = n > 0 ? n : 0; }
+int zel::AllocationCountdown() { return g_failCountdown; }
+void zel::WatchAllocations(void (*watch)(const void*)) { g_watch = watch; }
+
+bool zel::AllocationFails(const void* site) {
+    if (g_watch) g_watch(site);
+    if (g_failCountdown <= 0) return false;
+    return --g_failCountdown == 0;
+}
 
 size_t zel::UsableSize(void* block) { return block ? malloc_usable_size(block) : 0; }
 
@@ -112,7 +115,7 @@ bool Ordinary(void* p) {
 // A negative size is refused like a failed allocation, without a report.
 void* zel_malloc(int size) {
     if (size <= 0) return nullptr;
-    if (InjectedFailure()) return nullptr;
+    if (zel::AllocationFails(__builtin_return_address(0))) return nullptr;
     void* p = std::malloc(size_t(size));
     if (!p) ReportNoMemory();
     return p;
@@ -124,7 +127,7 @@ void* zel_realloc(void* p, int size) {
         return nullptr;
     }
     if (!p) return zel_malloc(size);
-    if (size < 0 || InjectedFailure()) return nullptr;
+    if (size < 0 || zel::AllocationFails(__builtin_return_address(0))) return nullptr;
     if (Ordinary(p)) {
         void* result = std::realloc(p, size_t(size));
         if (!result) ReportNoMemory();

@@ -2,12 +2,15 @@
 
 #include <zel/hashkv.h>
 
+#include <new>
+
 // Zero until the first registration, whatever the order of module initialisers.
 CText2PtrHashmap* CBaseTypeInfoRecorder::sm_pBaseTypeInfoTable = nullptr;
 
 CBaseTypeInfoRecorder::CBaseTypeInfoRecorder(tagTBaseTypeInfo* record) {
-    if (!sm_pBaseTypeInfoTable) sm_pBaseTypeInfoTable = new CText2PtrHashmap(300);
-    sm_pBaseTypeInfoTable->Set(record->name, record);
+    // Without memory the class is simply not listed.
+    if (!sm_pBaseTypeInfoTable) sm_pBaseTypeInfoTable = new (std::nothrow) CText2PtrHashmap(300);
+    if (sm_pBaseTypeInfoTable) sm_pBaseTypeInfoTable->Set(record->name, record);
 }
 
 void CBaseTypeInfoRecorder::CleanUp() {

@@ -31,13 +31,13 @@ public:
         auto* p = static_cast<unsigned char*>(src);
         unsigned char* block = target.GetData();
         if (p && block && n > 0 && p >= block && p < block + target.GetCapacity()) {
-            m_copy = std::malloc(n);
+            m_copy = zel_malloc(n);
             if (m_copy) std::memcpy(m_copy, src, n);
             m_src = m_copy;
             m_failed = !m_copy;
         }
     }
-    ~SourceCopy() { std::free(m_copy); }
+    ~SourceCopy() { zel_free(m_copy); }
     SourceCopy(const SourceCopy&) = delete;
     SourceCopy& operator=(const SourceCopy&) = delete;
     bool Failed() const { return m_failed; }

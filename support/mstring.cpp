@@ -153,19 +153,24 @@ void CMString::Format(const wchar_t* fmt, ...) {
 }
 
 // Grows the buffer until the text fits; a format the C library rejects
-// (or a result beyond 16M characters) leaves the string empty.
+// (or a result beyond 16M characters) leaves the string empty. Without
+// memory the string stays as it was.
 void CMString::FormatV(const wchar_t* fmt, va_list args) {
     CMString copy;
     const wchar_t* format = zel::CLibraryFormat(fmt, copy);
+    if (!format) return;
     CMiniMem text;
     for (int room = 256; room <= (1 << 24); room *= 4) {
-        if (!text.Realloc(room * kUnit)) break;
+        if (!text.Realloc(room * kUnit)) return;
         va_list attempt;
         va_copy(attempt, args);
         int n = std::vswprintf(reinterpret_cast<wchar_t*>(text.GetData()), room, format, attempt);
         va_end(attempt);
         if (n >= 0) {
-            text.Realloc(n ? (n + 1) * kUnit : 0);
+            if (n == 0)
+                text.Free();
+            else if (!text.Realloc((n + 1) * kUnit))
+                return;
             m_mem.xchg(text);
             return;
         }

@@ -1,4 +1,5 @@
 #include <zel/textfuncs.h>
+#include <zel/no_memory.h>
 
 #include <algorithm>
 #include <charconv>
@@ -38,14 +39,17 @@ wchar_t Same(wchar_t c) { return c; }
 bool IsBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
 
 // The numeric prefix of a wide text as ASCII, after leading white space and
-// a '+' that std::from_chars does not take.
+// a '+' that std::from_chars does not take. Without memory for a long one it
+// is empty, which reads as 0.
 std::string AsciiNumber(const wchar_t* s) {
     s = OrEmpty(s);
     while (std::iswspace(static_cast<wint_t>(*s))) ++s;
     if (*s == L'+' && s[1] != L'-') ++s;
-    std::string text;
-    for (; *s > 0 && *s < 0x80; ++s) text.push_back(static_cast<char>(*s));
-    return text;
+    return zel::NeutralOnNoMemory(std::string(), [s] {
+        std::string text;
+        for (const wchar_t* c = s; *c > 0 && *c < 0x80; ++c) text.push_back(static_cast<char>(*c));
+        return text;
+    });
 }
 
 const wchar_t kReplacement = 0xFFFD;
@@ -378,8 +382,10 @@ bool GetExtendPropertyValue(const wchar_t* properties, const wchar_t* name, CMSt
             const wchar_t* valueBegin = equals < end ? equals + 1 : end;
             const wchar_t* valueEnd = end;
             Trim(valueBegin, valueEnd);
-            value.SetText(valueBegin, static_cast<int>(valueEnd - valueBegin));
-            return true;
+            // Without memory for the value the item counts as not found.
+            int length = static_cast<int>(valueEnd - valueBegin);
+            value.SetText(valueBegin, length);
+            return value.GetLength() == length;
         }
         if (!*end) return false;
         item = end + 1;

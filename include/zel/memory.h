@@ -12,9 +12,16 @@ ZEL_API void* zel_realloc(void* p, int size);
 ZEL_API void zel_free(void* p);
 
 namespace zel {
-// Test hook: the Nth following allocation through zel_malloc/zel_realloc fails
-// (1 = the next one); 0 turns it off.
+// Test hooks. Every allocation of the library passes AllocationFails, so a
+// test can make the Nth following one fail (1 = the next one; 0 turns it off).
 void FailAllocationAfter(int n);
+// Allocations left before the injected failure; 0 when none is pending.
+int AllocationCountdown();
+// Counts one allocation made for `site` (the caller's address); true when it
+// is the one to fail.
+bool AllocationFails(const void* site);
+// Calls `watch` with the site of every allocation counted from now on (null: stop).
+void WatchAllocations(void (*watch)(const void* site));
 // The bytes a block from zel_malloc/zel_realloc can hold without moving (at
 // least the size asked for); 0 for null.
 size_t UsableSize(void* block);

@@ -2,6 +2,7 @@
 // byte set or object, always as a private copy of the bytes it was given.
 // An object node keeps a 12-byte copy of the object handle's first words and
 // holds one reference on the object for as long as it holds the copy.
+// Allocation failure throws std::bad_alloc and leaves the node as it was.
 #pragma once
 
 #include <zel/zel_types.h>
@@ -49,6 +50,9 @@ public:
     bool operator<(CNode const& other) const;
 
 private:
+    // Releases the old data and keeps `copy`, already allocated, as the new.
+    __attribute__((visibility("hidden"))) void Store(CNode::NodeType type, unsigned char* copy, int length);
+
     NodeType m_type;
     int m_length;
     unsigned char* m_data;

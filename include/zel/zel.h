@@ -22,5 +22,6 @@
 #include <zel/ptrlist.h>
 #include <zel/node.h>
 #include <zel/converters.h>
+#include <zel/no_memory.h>
 #include <zel/version.h>
 #include <zel/library.h>

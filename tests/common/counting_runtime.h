@@ -18,6 +18,19 @@
 #include <zel/services.h>
 #include <zel/values.h>
 
+// The runtime is not the library: while one of its services runs, no
+// allocation is failed on purpose.
+class UncountedAllocations {
+public:
+    UncountedAllocations() { zel::FailAllocationAfter(0); }
+    ~UncountedAllocations() { zel::FailAllocationAfter(m_saved); }
+    UncountedAllocations(const UncountedAllocations&) = delete;
+    UncountedAllocations& operator=(const UncountedAllocations&) = delete;
+
+private:
+    int m_saved = zel::AllocationCountdown();
+};
+
 class CountingRuntime {
 public:
     CountingRuntime() {
@@ -66,22 +79,34 @@ public:
 private:
     static void Lock() { ++s_current->locks; }
     static void Unlock() {}
-    static void RegisterConst(void* block) { s_current->registered.push_back(block); }
+    static void RegisterConst(void* block) {
+        UncountedAllocations uncounted;
+        s_current->registered.push_back(block);
+    }
     static int Report(int, wchar_t* library, int code, wchar_t* message) {
+        UncountedAllocations uncounted;
         s_current->lastReport = std::wstring(library) + L"|" + message;
         s_current->lastCode = code;
         return 7;
     }
     static tagTBaseTypeInfo* MemoryManager() { return &s_current->m_memoryClass; }
-    static unsigned char* NewText(wchar_t* s) { return s_current->Track(MCloneZelText(s)); }
-    static unsigned char* NewBin(void* data, int length) { return s_current->Track(MCloneZelBin(data, length)); }
+    static unsigned char* NewText(wchar_t* s) {
+        UncountedAllocations uncounted;
+        return s_current->Track(MCloneZelText(s));
+    }
+    static unsigned char* NewBin(void* data, int length) {
+        UncountedAllocations uncounted;
+        return s_current->Track(MCloneZelBin(data, length));
+    }
     static void* AddRef(void* handle) {
+        UncountedAllocations uncounted;
         if (!handle || IsConstData(handle) || s_current->m_values.count(handle)) return handle;
         ZelObject* obj = *static_cast<ZelObject**>(handle);
         ++s_current->m_net[obj];
         return obj;
     }
     static void Release(void* handle) {
+        UncountedAllocations uncounted;
         if (!handle || IsConstData(handle)) return;
         if (s_current->m_values.erase(handle)) return zel_free(handle);
         --s_current->m_net[*static_cast<ZelObject**>(handle)];

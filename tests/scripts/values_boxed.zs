@@ -21,7 +21,8 @@ print b.逻辑
 b.逻辑 = 假
 print b.逻辑
 
-# A byte-set object keeps its own copy of the last byte set assigned.
+# A byte-set object keeps its own copy of the last byte set assigned; until
+# one is assigned it has none (null).
 s = new 工具.字节集类
 print s.取数据长度()
 print s.字节集
