@@ -25,9 +25,7 @@ for t in "${targets[@]}"; do
   corpus=build-fuzz/corpus/$t
   mkdir -p "$corpus"
   log=build-fuzz/fuzz_$t.log
-  # A script line is parsed as a whole: keep lines short enough for the stack.
   max_len=4096
-  [ "$t" = script ] && max_len=1024
   echo "== $t: $seconds s"
   if ! UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 build-fuzz/fuzz_"$t" "$corpus" tests/fuzz/corpus/"$t" \
       -max_total_time="$seconds" -max_len=$max_len -timeout=10 -rss_limit_mb=1536 -print_final_stats=1 \
