@@ -3,7 +3,9 @@
 #   scripts/fuzz.sh [SECONDS] [TARGET...]      (default 60 seconds, every target)
 # Each target starts from its checked-in seeds and keeps what it finds in
 # build-fuzz/corpus/<target>; crashes go to build-fuzz/crashes/. Prints the
-# executions and seconds per target. Set FUZZ_JOBS to build with more jobs.
+# executions and seconds per target. Set FUZZ_JOBS to build with more jobs,
+# FUZZ_RUNS=N to stop each target after N executions (SECONDS still caps it),
+# FUZZ_BUILD=0 to use the targets already built (for runs side by side).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
@@ -13,10 +15,12 @@ if [ ${#targets[@]} -eq 0 ]; then
   targets=($(sed -n 's/^set(ZEL_FUZZ_TARGETS \(.*\))$/\1/p' tests/fuzz/CMakeLists.txt))
 fi
 
-bash scripts/setup.sh fuzz
-cmake -S . -B build-fuzz -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
-  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZEL_FUZZ=ON -DZEL_BENCHMARKS=OFF >/dev/null
-cmake --build build-fuzz -j"${FUZZ_JOBS:-2}" --target "${targets[@]/#/fuzz_}"
+if [ "${FUZZ_BUILD:-1}" != 0 ]; then
+  bash scripts/setup.sh fuzz
+  cmake -S . -B build-fuzz -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZEL_FUZZ=ON -DZEL_BENCHMARKS=OFF >/dev/null
+  cmake --build build-fuzz -j"${FUZZ_JOBS:-2}" --target "${targets[@]/#/fuzz_}"
+fi
 
 mkdir -p build-fuzz/crashes
 summary=()
@@ -28,7 +32,7 @@ for t in "${targets[@]}"; do
   max_len=4096
   echo "== $t: $seconds s"
   if ! UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 build-fuzz/fuzz_"$t" "$corpus" tests/fuzz/corpus/"$t" \
-      -max_total_time="$seconds" -max_len=$max_len -timeout=10 -rss_limit_mb=1536 -print_final_stats=1 \
+      -max_total_time="$seconds" -runs="${FUZZ_RUNS:--1}" -max_len=$max_len -timeout=10 -rss_limit_mb=1536 -print_final_stats=1 \
       -artifact_prefix=build-fuzz/crashes/"$t"- >"$log" 2>&1; then
     status=1
     echo "   FAILED: see $log and build-fuzz/crashes/"
