@@ -112,8 +112,11 @@ void HashKV::SetFunctions(unsigned int (*hash)(void*), int (*equals)(void*, void
 void HashKV::SetIsNeedFreeKey(int needFreeKey) { m_needFreeKey = needFreeKey; }
 
 // When the new bucket array cannot be allocated the table stays as it was.
+// A count whose array would not fit in memory at all is refused first: an
+// array new of that size throws even in its nothrow form.
 void HashKV::InitHashTable(int n) {
     int bucketCount = BucketCountFor(n);
+    if (size_t(bucketCount) > SIZE_MAX / sizeof(KV*)) return;
     KV** buckets = new (std::nothrow) KV*[bucketCount]();
     if (!buckets) return;
     RemoveAll();
