@@ -1,0 +1,122 @@
+// Nodes that hold nothing, too little or malformed bytes, and wrapped values
+// whose class lacks the getters a comparison would call.
+#include <zel/node.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+#include "common/counting_runtime.h"
+#include "common/test_object.h"
+#include <zel/class_table.h>
+#include <zel/services.h>
+#include <zel/values.h>
+
+namespace {
+
+// (a == b, a < b, b < a)
+struct Order {
+    bool equal, less, greater;
+    bool operator==(const Order&) const = default;
+};
+Order OrderOf(const CNode& a, const CNode& b) { return {a == b, a < b, b < a}; }
+constexpr Order kEqual{true, false, false}, kLess{false, true, false};
+
+TEST(CNodeEdges, EmptyShortAndMisfitNodesReadAsNothing) {
+    unsigned char four[] = {1, 0, 0, 0};
+    CNode none, shortDouble, nullBytes, nullBlock, noObject, smallObject;
+    shortDouble.SetData(CNode::NodeDouble, four, 4);
+    nullBytes.SetBin(nullptr, 5);
+    nullBlock.SetBin(static_cast<unsigned char*>(nullptr));
+    noObject.SetObject(nullptr);
+    smallObject.SetData(CNode::NodeObject, four, 4);
+    struct Case {
+        const CNode& node;
+        CNode::NodeType type;
+        int length;
+    } cases[] = {{none, CNode::NodeNone, 0},       {shortDouble, CNode::NodeDouble, 4},
+                 {nullBytes, CNode::NodeBin, 0},   {nullBlock, CNode::NodeBin, 0},
+                 {noObject, CNode::NodeObject, 0}, {smallObject, CNode::NodeObject, 4}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(c.node.GetType(), c.type);
+        int length = -1;
+        EXPECT_EQ(c.node.GetBin(&length), c.node.GetData());
+        EXPECT_EQ(length, c.length);
+        EXPECT_EQ(c.node.GetDouble(), 0.0);
+        EXPECT_EQ(c.node.GetObject(), nullptr) << "no whole handle, no object";
+    }
+    EXPECT_EQ(none.GetInt(), 0);
+    EXPECT_EQ(shortDouble.GetInt(), 1);
+    EXPECT_EQ(none.GetBin(nullptr), nullptr);
+
+    CNode target;
+    target.SetInt(3);
+    target = noObject;  // an empty object node copies as one, taking no reference
+    EXPECT_TRUE(target.GetType() == CNode::NodeObject && target.GetData() == nullptr && target.GetDataLength() == 0);
+    EXPECT_EQ(OrderOf(target, noObject), kEqual);
+}
+
+TEST(CNodeEdges, TextsOrderByContentAndMalformedTextsByBytes) {
+    CNode a, b;
+    a.SetText(const_cast<wchar_t*>(L"a"));
+    b.SetText(const_cast<wchar_t*>(L"b"));
+    EXPECT_EQ(OrderOf(a, b), kLess);
+
+    // Same type and length, one without its terminator: both compare as bytes.
+    const wchar_t unterminated[] = {L'x', L'y', L'z'};
+    a.SetText(const_cast<wchar_t*>(L"ab"));
+    b.SetData(CNode::NodeText, const_cast<wchar_t*>(unterminated), sizeof unterminated);
+    EXPECT_EQ(OrderOf(a, b), kLess);
+    EXPECT_EQ(OrderOf(b, a), (Order{false, false, true}));
+    // A length that is not whole code units is never read as text.
+    unsigned char odd[] = {'a', 0, 0}, same[] = {'a', 0, 0};
+    a.SetData(CNode::NodeText, odd, 3);
+    b.SetData(CNode::NodeText, same, 3);
+    EXPECT_EQ(OrderOf(a, b), kEqual);
+}
+
+// Stand-ins: an integer class and a byte-set class without methods, a byte
+// set whose getter gives fewer bytes than it reports, and a text class.
+void* State(ZelObject* o) { return GetDataItemData(o, 1, 0); }
+int ReportedLength(ZelObject* o) { return int(reinterpret_cast<intptr_t>(State(o))); }
+unsigned char* TwoBytes(ZelObject*) { return zel::NewBin("xy", 2); }
+unsigned char* TextOf(ZelObject* o) { return zel::NewText(static_cast<wchar_t*>(State(o))); }
+
+tagMethodItem kShortBinMethods[] = {zel::Method(L"取数据长度", L"_i", ReportedLength),
+                                    zel::Getter(L"字节集", L"_bn", TwoBytes)};
+tagMethodItem kTextMethods[] = {zel::Getter(L"文本", L"_s", TextOf)};
+tagElementItem kElements[] = {zel::HiddenState()};
+tagTBaseTypeInfo kBareInt = zel::ClassRecord(L"工具.整数类", L"", nullptr, kElements);
+tagTBaseTypeInfo kBareBin = zel::ClassRecord(L"工具.字节集类", L"", nullptr, kElements);
+tagTBaseTypeInfo kShortBin = zel::ClassRecord(L"工具.字节集类", L"", kShortBinMethods, kElements);
+tagTBaseTypeInfo kText = zel::ClassRecord(L"工具.文本类", L"", kTextMethods, kElements);
+
+struct Boxed : TestObject {
+    Boxed(tagTBaseTypeInfo* record, const void* state) : TestObject(record) { word(1, 0) = const_cast<void*>(state); }
+    CNode node() {
+        CNode n;
+        n.SetObject(get());
+        return n;
+    }
+};
+
+TEST(CNodeEdges, WrappedValuesWithoutGettersOrWithShortBlocks) {
+    CountingRuntime runtime;
+    Boxed int1(&kBareInt, nullptr), int2(&kBareInt, nullptr);
+    EXPECT_EQ(OrderOf(int1.node(), int2.node()), kEqual) << "no getter reads as zero";
+    Boxed bin1(&kBareBin, nullptr), bin2(&kBareBin, nullptr);
+    EXPECT_EQ(OrderOf(bin1.node(), bin2.node()), kEqual) << "no length, no bytes";
+
+    // Both report ten bytes but hand out two: compared over no bytes.
+    auto ten = reinterpret_cast<void*>(10), three = reinterpret_cast<void*>(3);
+    Boxed short1(&kShortBin, ten), short2(&kShortBin, ten), shorter(&kShortBin, three);
+    EXPECT_EQ(OrderOf(short1.node(), short2.node()), kEqual);
+    EXPECT_EQ(OrderOf(shorter.node(), short1.node()), kLess) << "the shorter reported length comes first";
+
+    Boxed a(&kText, L"a"), b(&kText, L"b");
+    EXPECT_EQ(OrderOf(a.node(), b.node()), kLess);
+    EXPECT_EQ(OrderOf(a.node(), a.node()), kEqual);
+    EXPECT_EQ(runtime.LiveValues(), 0) << "the getters' values are dropped";
+}
+
+}  // namespace
