@@ -27,6 +27,7 @@ int TextFile_Write(ZelObject*, unsigned char*);
 int TextFile_Seek(ZelObject*, unsigned char*, int);
 int TextFile_SeekCurrent(ZelObject*, int);
 int TextFile_SeekFromEnd(ZelObject*, int);
+int TextFile_GetPosition(ZelObject*);
 int TextFile_Open(ZelObject*, unsigned char*, int, int);
 void BinaryFile_Init(ZelObject*);
 void BinaryFile_Free(ZelObject*);
@@ -153,6 +154,29 @@ TEST_F(FileFailures, FileMethodsWithoutObjectOrWithEmptyInput) {
     int success = 0;
     EXPECT_EQ(TextFile_Read(text, 5, &success), nullptr) << "nothing left";
     EXPECT_EQ(success, 1);
+}
+
+// The text file's seeks on a multibyte file move by bytes; a directory reads
+// as an error; a failed buffer makes the plain file's read give nothing.
+TEST_F(FileFailures, TextFileMethodsOnOpenFiles) {
+    TestObject text(&g_info_TextFile, TextFile_Init, TextFile_Free, 3), file(&g_info_File, File_Init, File_Free, 2);
+    Owned path = Text(Make("ten", "0123456789")), folder = Text(MakeDir("d"));
+    ASSERT_EQ(TextFile_Open(text, path.h, 1, 2), 1);
+    EXPECT_TRUE(TextFile_Seek(text, reinterpret_cast<unsigned char*>(SEEK_SET), 4) == 0 && TextFile_GetPosition(text) == 4);
+    EXPECT_TRUE(TextFile_SeekCurrent(text, 2) == 0 && TextFile_GetPosition(text) == 6);
+    EXPECT_TRUE(TextFile_SeekFromEnd(text, -1) == 0 && TextFile_GetPosition(text) == 9);
+    EXPECT_EQ(TextFile_Write(text, nullptr), 0);
+
+    ASSERT_EQ(TextFile_Open(text, folder.h, 1, 2), 1);
+    int success = 1;
+    EXPECT_EQ(TextFile_Read(text, 4, &success), nullptr);
+    EXPECT_EQ(success, 0);
+
+    ASSERT_EQ(File_Open(file, path.h, 1), 1);
+    EXPECT_EQ(File_Open(file, nullptr, 1), 0);
+    zel::FailAllocationAfter(1);
+    EXPECT_EQ(File_Read(file, 4, nullptr), nullptr);
+    zel::FailAllocationAfter(0);
 }
 
 }  // namespace

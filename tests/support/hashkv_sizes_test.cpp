@@ -4,6 +4,10 @@
 
 #include <climits>
 #include <cstdint>
+#include <set>
+#include <vector>
+
+#include <zel/memory.h>
 
 #include <zel/hashkv.h>
 
@@ -70,6 +74,36 @@ TEST(HashKVSizes, PoolRefusesCellsItCannotSize) {
     pool.SetMemCellSize(16);
     pool.Free(first);
     EXPECT_EQ(pool.Malloc(), first);
+}
+
+// A bucket array or free-list shrink that fails leaves everything in place:
+// the table keeps its entries, the pool hands out each cell once.
+TEST(HashKVSizes, FailedAllocationsLoseNothing) {
+    CPtr2PtrHashmap map(10);
+    map.Set(P(1), P(2));
+    zel::FailAllocationAfter(1);
+    map.InitHashTable(1000);
+    zel::FailAllocationAfter(0);
+    EXPECT_TRUE(map.GetBucketCount() == 257 && map.IsExist(P(1)));
+
+    CPtr2PtrHashmap unallocated(1200000000);
+    zel::FailAllocationAfter(1);
+    EXPECT_EQ(unallocated.Set(P(1), P(1)), 0);
+    zel::FailAllocationAfter(0);
+    EXPECT_EQ(unallocated.GetCount(), 0);
+
+    CMemoryPool_HashKV pool(8);
+    std::vector<void*> cells;
+    for (int i = 0; i < 300; ++i) cells.push_back(pool.Malloc());  // a free list past its 1 KiB granule
+    for (void* cell : cells) pool.Free(cell);
+    std::vector<void*> handed;
+    handed.reserve(cells.size());  // the test's own allocations count too
+    zel::FailAllocationAfter(1);
+    for (void* cell; (cell = pool.Malloc());) handed.push_back(cell);
+    zel::FailAllocationAfter(0);
+    EXPECT_LT(handed.size(), cells.size()) << "a shrink of the free list was refused";
+    while (handed.size() < cells.size()) handed.push_back(pool.Malloc());
+    EXPECT_EQ(std::multiset<void*>(handed.begin(), handed.end()), std::multiset<void*>(cells.begin(), cells.end()));
 }
 
 struct NoIterators : CPtr2PtrHashmap {
