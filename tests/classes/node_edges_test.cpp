@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 
 #include "common/counting_runtime.h"
 #include "common/test_object.h"
@@ -81,15 +82,32 @@ void* State(ZelObject* o) { return GetDataItemData(o, 1, 0); }
 int ReportedLength(ZelObject* o) { return int(reinterpret_cast<intptr_t>(State(o))); }
 unsigned char* TwoBytes(ZelObject*) { return zel::NewBin("xy", 2); }
 unsigned char* TextOf(ZelObject* o) { return zel::NewText(static_cast<wchar_t*>(State(o))); }
+int TwoReported(ZelObject*) { return 2; }
+unsigned char* BytesOfState(ZelObject* o) {
+    auto* bytes = static_cast<const char*>(State(o));
+    return zel::NewBin(bytes, int(std::strlen(bytes)));
+}
 
 tagMethodItem kShortBinMethods[] = {zel::Method(L"取数据长度", L"_i", ReportedLength),
                                     zel::Getter(L"字节集", L"_bn", TwoBytes)};
 tagMethodItem kTextMethods[] = {zel::Getter(L"文本", L"_s", TextOf)};
+tagMethodItem kMixedBinMethods[] = {zel::Method(L"取数据长度", L"_i", TwoReported),
+                                    zel::Getter(L"字节集", L"_bn", BytesOfState)};
+tagMethodItem kUnrelatedMethods[] = {zel::Method(L"别的", L"_i", TwoReported)};
 tagElementItem kElements[] = {zel::HiddenState()};
 tagTBaseTypeInfo kBareInt = zel::ClassRecord(L"工具.整数类", L"", nullptr, kElements);
 tagTBaseTypeInfo kBareBin = zel::ClassRecord(L"工具.字节集类", L"", nullptr, kElements);
 tagTBaseTypeInfo kShortBin = zel::ClassRecord(L"工具.字节集类", L"", kShortBinMethods, kElements);
 tagTBaseTypeInfo kText = zel::ClassRecord(L"工具.文本类", L"", kTextMethods, kElements);
+tagTBaseTypeInfo kMixedBin = zel::ClassRecord(L"工具.字节集类", L"", kMixedBinMethods, kElements);
+tagTBaseTypeInfo kUnrelatedBin = zel::ClassRecord(L"工具.字节集类", L"", kUnrelatedMethods, kElements);
+// A record that counts a method but has no table of them.
+tagTBaseTypeInfo CountedWithoutTable() {
+    tagTBaseTypeInfo record = kBareInt;
+    record.methodCount = 1;
+    return record;
+}
+tagTBaseTypeInfo kCountedInt = CountedWithoutTable();
 
 struct Boxed : TestObject {
     Boxed(tagTBaseTypeInfo* record, const void* state) : TestObject(record) { word(1, 0) = const_cast<void*>(state); }
@@ -106,12 +124,18 @@ TEST(CNodeEdges, WrappedValuesWithoutGettersOrWithShortBlocks) {
     EXPECT_EQ(OrderOf(int1.node(), int2.node()), kEqual) << "no getter reads as zero";
     Boxed bin1(&kBareBin, nullptr), bin2(&kBareBin, nullptr);
     EXPECT_EQ(OrderOf(bin1.node(), bin2.node()), kEqual) << "no length, no bytes";
+    Boxed counted1(&kCountedInt, nullptr), counted2(&kCountedInt, nullptr);
+    EXPECT_EQ(OrderOf(counted1.node(), counted2.node()), kEqual);
+    Boxed other1(&kUnrelatedBin, nullptr), other2(&kUnrelatedBin, nullptr);
+    EXPECT_EQ(OrderOf(other1.node(), other2.node()), kEqual) << "no method of that name";
 
     // Both report ten bytes but hand out two: compared over no bytes.
     auto ten = reinterpret_cast<void*>(10), three = reinterpret_cast<void*>(3);
     Boxed short1(&kShortBin, ten), short2(&kShortBin, ten), shorter(&kShortBin, three);
     EXPECT_EQ(OrderOf(short1.node(), short2.node()), kEqual);
     EXPECT_EQ(OrderOf(shorter.node(), short1.node()), kLess) << "the shorter reported length comes first";
+    Boxed whole(&kMixedBin, "xy"), cut(&kMixedBin, "z");  // both report two bytes; one gives one
+    EXPECT_EQ(OrderOf(whole.node(), cut.node()), kEqual);
 
     Boxed a(&kText, L"a"), b(&kText, L"b");
     EXPECT_EQ(OrderOf(a.node(), b.node()), kLess);

@@ -12,6 +12,8 @@
 #include "common/test_object.h"
 #include "owned_values.h"
 #include <zel/class_table.h>
+#include <zel/converters.h>
+#include <zel/memory.h>
 
 extern "C" {
 extern tagTBaseTypeInfo g_info_List, g_info_Stack, g_info_Size, g_info_Rect, g_info_Pointer, g_info_String;
@@ -27,7 +29,10 @@ void Rect_Init(ZelObject*), Rect_Free(ZelObject*), Rect_FromText(ZelObject*, uns
 void Pointer_SetAddress(ZelObject*, int), Pointer_WriteBin(ZelObject*, unsigned char*);
 unsigned char* Pointer_ReadText(ZelObject*, int);
 int String_ReverseFind(ZelObject*, unsigned char*, int);
-int Math_Abs(int);
+int Math_Abs(int), Rect_Equals(ZelObject*, ZelObject*);
+extern tagTBaseTypeInfo g_info_Point;
+void Point_Init(ZelObject*), Point_Free(ZelObject*);
+int Point_Serialize(ZelObject*, ZelObject*);
 }
 
 namespace {
@@ -50,6 +55,8 @@ TEST(ValueEdges, ListsHoldingNullsAndPositionsPastTheEnd) {
     EXPECT_EQ(runtime.Net(thing), 1);
     List_RemoveItem(list, 0);
     EXPECT_TRUE(List_IsEmpty(list) && runtime.Net(thing) == 0);
+    List_RemoveItem(list, 0);
+    EXPECT_EQ(List_GetCount(list), 0);
 }
 
 TEST(ValueEdges, NonEmptyStacksAndUnlikeSizes) {
@@ -70,6 +77,10 @@ TEST(ValueEdges, NonEmptyStacksAndUnlikeSizes) {
     Rect_FromText(rect, Text(L"1, 2, 3, 4, 5"));
     RectState* edges = _Rect_GetData(rect);
     EXPECT_TRUE(edges->left == 1 && edges->top == 2 && edges->right == 3 && edges->bottom == 4);
+    TestObject bareRect(&g_info_Rect);
+    EXPECT_FALSE(Rect_Equals(rect, bareRect));
+    TestObject point(&g_info_Point, Point_Init, Point_Free);
+    EXPECT_EQ(Point_Serialize(point, nullptr), 0) << "no stream";
 }
 
 TEST(ValueEdges, PointersThatReadAndWriteNothing) {
@@ -80,6 +91,17 @@ TEST(ValueEdges, PointersThatReadAndWriteNothing) {
     EXPECT_EQ(buffer[0], 0);
     EXPECT_EQ(Pointer_ReadText(pointer, 0), zel::EmptyText());
     EXPECT_EQ(Pointer_ReadText(pointer, 3), zel::EmptyText()) << "a zero first unit: the empty text";
+}
+
+// Byte sets whose length word is negative or too large for any block here
+// read as the empty text.
+TEST(ValueEdges, CorruptByteSetLengthsConvertToTheEmptyText) {
+    for (int length : {-5, 0x40000000}) {
+        int block[] = {0, 1, length, 0x41};
+        wchar_t* text = MBinToMString(block);
+        EXPECT_STREQ(text, L"") << length;
+        zel_free(text);
+    }
 }
 
 TEST(ValueEdges, ReverseFindWithoutStateAndAbsoluteValues) {

@@ -56,6 +56,7 @@ TEST_F(FileFailures, ReadWriteModesAndNullArguments) {
     std::wstring path = Make("f", "0123");
     CFile update(path.c_str(), 5);  // "wb+": truncated, then readable
     char buf[8] = {};
+    EXPECT_TRUE(update.IsEOF() == 0 && update.Read(buf, 0) == 0);
     EXPECT_EQ(update.Write("ab", 2), 2);
     update.SeekToBegin();
     EXPECT_TRUE(update.Read(buf, 8) == 2 && std::string(buf) == "ab");
@@ -94,6 +95,8 @@ TEST_F(FileFailures, DirectoriesOpenButCannotBeRead) {
 // A wide default encoding without a file: the wide seeks and positions still
 // answer -1.
 TEST_F(FileFailures, WideTextFileWithoutAStream) {
+    CTextFile halfSigned(Make("fe", "\xFE" "a").c_str(), 1, 2);
+    EXPECT_EQ(halfSigned.GetEncoding(), 2) << "FE alone is no signature";
     CTextFile absent(dir.WPath("absent").c_str(), 1, 0);
     EXPECT_TRUE(absent.GetEncoding() == 0 && !absent.GetStream());
     EXPECT_EQ(absent.Seek(1, SEEK_SET), -1);

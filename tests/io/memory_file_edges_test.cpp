@@ -68,6 +68,9 @@ TEST(MemoryStreamEdges, EmptyDataAndMissingByteSets) {
     EXPECT_EQ(s.GetLength(), 4);
     EXPECT_EQ(s.ReadInt(), 0);
     EXPECT_FALSE(s.IsDataValid(-1));
+    Owned abc(MakeBin("abc"));
+    s.WriteBinData(abc.h);  // the bytes alone, without the header
+    EXPECT_EQ(s.GetLength(), 7);
 }
 
 }  // namespace
