@@ -14,15 +14,18 @@ bool Legal(const std::string& s) {
     return IsLegalUtf8(p, p + s.size());
 }
 
-// A two-byte character first shifts the longer ones off the 16-byte blocks,
-// so the block path stops inside them at some length.
+// Without a prefix the characters end on the 16-byte block edges; a
+// two-byte character first shifts the longer ones so the block path stops
+// inside them.
 TEST(Utf8BlockEdges, SequencesCutAtEveryBlockEdge) {
-    for (std::string c : {"\xC3\xA9", "\xE4\xB8\xAD", "\xF0\x9F\x98\x80"}) {
-        std::string text = "\xC3\xA9";
-        while (text.size() < 120) text += c;
-        for (size_t n = 64; n <= 120; ++n)
-            EXPECT_EQ(Legal(text.substr(0, n)), (n - 2) % c.size() == 0) << c.size() << "-byte characters, " << n;
-    }
+    for (std::string prefix : {"", "\xC3\xA9"})
+        for (std::string c : {"\xC3\xA9", "\xE4\xB8\xAD", "\xF0\x9F\x98\x80"}) {
+            std::string text = prefix;
+            while (text.size() < 120) text += c;
+            for (size_t n = 64; n <= 120; ++n)
+                EXPECT_EQ(Legal(text.substr(0, n)), (n - prefix.size()) % c.size() == 0)
+                    << prefix.size() << "-byte prefix, " << c.size() << "-byte characters, " << n;
+        }
 }
 
 TEST(Utf8BlockEdges, EarlyZeroEmptyInputAndFeedingAfterTheAnswer) {

@@ -50,6 +50,12 @@ TEST(HashKVSizes, BucketArraysThatCannotBeAllocated) {
     EXPECT_EQ(map.GetBucketCount(), 257);
     EXPECT_TRUE(map.IsExist(P(1)) && map.GetCount() == 1);
 
+    EXPECT_EQ(CPtr2PtrHashmap().Remove(P(1)), 0);
+    CThreadSafePtr2PtrHashmap guarded;
+    HashKV_iterator* parked = guarded._begin();  // at the end of the empty table
+    guarded.Set(P(1), P(1));
+    EXPECT_TRUE(guarded.Remove(P(1)) && parked->IsEnd());
+
     CPtr2PtrHashmap empty(1200000000);
     EXPECT_EQ(empty.GetBucketCount(), 0);
     void* value = P(9);

@@ -66,6 +66,10 @@ TEST(MiniMemLimits, SelfSourcedEditsRefusedWhenTheAsideCopyFails) {
         zel::FailAllocationAfter(0);
         EXPECT_EQ(Bytes(m), text);
     }
+    char outside[] = "outside";  // on the stack, apart from the buffer: used in place
+    Fill(m, text);
+    EXPECT_EQ(m.Insert(1, outside, 7), 1);
+    EXPECT_EQ(Bytes(m), "a" + std::string(outside) + text.substr(1));
     Fill(m, "abc");
     zel::FailAllocationAfter(1);
     EXPECT_EQ(m.Insert(40, U("z"), 1), 0) << "past the end, on a block that must grow";
