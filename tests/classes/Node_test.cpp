@@ -10,6 +10,7 @@
 
 #include "common/test_object.h"
 #include "common/counting_runtime.h"
+#include "node_relations.h"
 #include <zel/class_table.h>
 
 namespace {
@@ -32,23 +33,6 @@ tagElementItem kElements[] = {zel::HiddenState()};
 tagTBaseTypeInfo kInt = zel::ClassRecord(L"工具.整数类", L"", kIntMethods, kElements);
 tagTBaseTypeInfo kText = zel::ClassRecord(L"工具.文本类", L"", kTextMethods, kElements);
 tagTBaseTypeInfo kBin = zel::ClassRecord(L"工具.字节集类", L"", kBinMethods, kElements);
-
-struct Boxed : TestObject {
-    Boxed(tagTBaseTypeInfo* record, const void* state) : TestObject(record) { word(1, 0) = const_cast<void*>(state); }
-    CNode node() {
-        CNode n;
-        n.SetObject(get());
-        return n;
-    }
-};
-
-// (a == b, a < b, b < a)
-struct Relations {
-    bool equal, less, greater;
-    bool operator==(const Relations&) const = default;
-};
-Relations Relate(const CNode& a, const CNode& b) { return {a == b, a < b, b < a}; }
-const Relations kSame{true, false, false}, kBelow{false, true, false}, kUnrelated{false, false, false};
 
 template <typename T>
 CNode Make(void (CNode::*set)(T), T value) {

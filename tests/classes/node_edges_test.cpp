@@ -9,19 +9,12 @@
 
 #include "common/counting_runtime.h"
 #include "common/test_object.h"
+#include "node_relations.h"
 #include <zel/class_table.h>
 #include <zel/services.h>
 #include <zel/values.h>
 
 namespace {
-
-// (a == b, a < b, b < a)
-struct Order {
-    bool equal, less, greater;
-    bool operator==(const Order&) const = default;
-};
-Order OrderOf(const CNode& a, const CNode& b) { return {a == b, a < b, b < a}; }
-constexpr Order kEqual{true, false, false}, kLess{false, true, false};
 
 TEST(CNodeEdges, EmptyShortAndMisfitNodesReadAsNothing) {
     unsigned char four[] = {1, 0, 0, 0};
@@ -54,26 +47,26 @@ TEST(CNodeEdges, EmptyShortAndMisfitNodesReadAsNothing) {
     target.SetInt(3);
     target = noObject;  // an empty object node copies as one, taking no reference
     EXPECT_TRUE(target.GetType() == CNode::NodeObject && target.GetData() == nullptr && target.GetDataLength() == 0);
-    EXPECT_EQ(OrderOf(target, noObject), kEqual);
+    EXPECT_EQ(Relate(target, noObject), kSame);
 }
 
 TEST(CNodeEdges, TextsOrderByContentAndMalformedTextsByBytes) {
     CNode a, b;
     a.SetText(const_cast<wchar_t*>(L"a"));
     b.SetText(const_cast<wchar_t*>(L"b"));
-    EXPECT_EQ(OrderOf(a, b), kLess);
+    EXPECT_EQ(Relate(a, b), kBelow);
 
     // Same type and length, one without its terminator: both compare as bytes.
     const wchar_t unterminated[] = {L'x', L'y', L'z'};
     a.SetText(const_cast<wchar_t*>(L"ab"));
     b.SetData(CNode::NodeText, const_cast<wchar_t*>(unterminated), sizeof unterminated);
-    EXPECT_EQ(OrderOf(a, b), kLess);
-    EXPECT_EQ(OrderOf(b, a), (Order{false, false, true}));
+    EXPECT_EQ(Relate(a, b), kBelow);
+    EXPECT_EQ(Relate(b, a), (Relations{false, false, true}));
     // A length that is not whole code units is never read as text.
     unsigned char odd[] = {'a', 0, 0}, same[] = {'a', 0, 0};
     a.SetData(CNode::NodeText, odd, 3);
     b.SetData(CNode::NodeText, same, 3);
-    EXPECT_EQ(OrderOf(a, b), kEqual);
+    EXPECT_EQ(Relate(a, b), kSame);
 }
 
 // Stand-ins: an integer class and a byte-set class without methods, a byte
@@ -109,37 +102,28 @@ tagTBaseTypeInfo CountedWithoutTable() {
 }
 tagTBaseTypeInfo kCountedInt = CountedWithoutTable();
 
-struct Boxed : TestObject {
-    Boxed(tagTBaseTypeInfo* record, const void* state) : TestObject(record) { word(1, 0) = const_cast<void*>(state); }
-    CNode node() {
-        CNode n;
-        n.SetObject(get());
-        return n;
-    }
-};
-
 TEST(CNodeEdges, WrappedValuesWithoutGettersOrWithShortBlocks) {
     CountingRuntime runtime;
     Boxed int1(&kBareInt, nullptr), int2(&kBareInt, nullptr);
-    EXPECT_EQ(OrderOf(int1.node(), int2.node()), kEqual) << "no getter reads as zero";
+    EXPECT_EQ(Relate(int1.node(), int2.node()), kSame) << "no getter reads as zero";
     Boxed bin1(&kBareBin, nullptr), bin2(&kBareBin, nullptr);
-    EXPECT_EQ(OrderOf(bin1.node(), bin2.node()), kEqual) << "no length, no bytes";
+    EXPECT_EQ(Relate(bin1.node(), bin2.node()), kSame) << "no length, no bytes";
     Boxed counted1(&kCountedInt, nullptr), counted2(&kCountedInt, nullptr);
-    EXPECT_EQ(OrderOf(counted1.node(), counted2.node()), kEqual);
+    EXPECT_EQ(Relate(counted1.node(), counted2.node()), kSame);
     Boxed other1(&kUnrelatedBin, nullptr), other2(&kUnrelatedBin, nullptr);
-    EXPECT_EQ(OrderOf(other1.node(), other2.node()), kEqual) << "no method of that name";
+    EXPECT_EQ(Relate(other1.node(), other2.node()), kSame) << "no method of that name";
 
     // Both report ten bytes but hand out two: compared over no bytes.
     auto ten = reinterpret_cast<void*>(10), three = reinterpret_cast<void*>(3);
     Boxed short1(&kShortBin, ten), short2(&kShortBin, ten), shorter(&kShortBin, three);
-    EXPECT_EQ(OrderOf(short1.node(), short2.node()), kEqual);
-    EXPECT_EQ(OrderOf(shorter.node(), short1.node()), kLess) << "the shorter reported length comes first";
+    EXPECT_EQ(Relate(short1.node(), short2.node()), kSame);
+    EXPECT_EQ(Relate(shorter.node(), short1.node()), kBelow) << "the shorter reported length comes first";
     Boxed whole(&kMixedBin, "xy"), cut(&kMixedBin, "z");  // both report two bytes; one gives one
-    EXPECT_EQ(OrderOf(whole.node(), cut.node()), kEqual);
+    EXPECT_EQ(Relate(whole.node(), cut.node()), kSame);
 
     Boxed a(&kText, L"a"), b(&kText, L"b");
-    EXPECT_EQ(OrderOf(a.node(), b.node()), kLess);
-    EXPECT_EQ(OrderOf(a.node(), a.node()), kEqual);
+    EXPECT_EQ(Relate(a.node(), b.node()), kBelow);
+    EXPECT_EQ(Relate(a.node(), a.node()), kSame);
     EXPECT_EQ(runtime.LiveValues(), 0) << "the getters' values are dropped";
 }
 

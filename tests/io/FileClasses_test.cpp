@@ -6,40 +6,10 @@
 
 #include "common/test_object.h"
 #include "io/File.h"
+#include "file_class_methods.h"
 #include "io_test_util.h"
 #include <zel/services.h>
 #include <zel/values.h>
-
-extern "C" {
-extern tagTBaseTypeInfo g_info_File, g_info_TextFile, g_info_BinaryFile, g_info_MemoryFile;
-void File_Init(ZelObject*);
-void File_Free(ZelObject*);
-unsigned char* File_Read(ZelObject*, int, int*);
-int File_Write(ZelObject*, unsigned char*);
-int File_Seek(ZelObject*, unsigned char*, int);
-int File_GetLength(ZelObject*);
-int File_Open(ZelObject*, unsigned char*, int);
-void TextFile_Init(ZelObject*);
-void TextFile_Free(ZelObject*);
-CTextFile* _TextFile_GetData(ZelObject*);
-int TextFile_Write(ZelObject*, unsigned char*);
-int TextFile_GetPosition(ZelObject*);
-int TextFile_Open(ZelObject*, unsigned char*, int, int);
-void BinaryFile_Init(ZelObject*);
-void BinaryFile_Free(ZelObject*);
-unsigned char* BinaryFile_ReadFile(ZelObject*, unsigned char*, int);
-int BinaryFile_WriteFile(ZelObject*, unsigned char*, unsigned char*, int);
-int BinaryFile_GetFileType(ZelObject*, unsigned char*);
-void MemoryFile_Init(ZelObject*);
-void MemoryFile_Free(ZelObject*);
-void* MemoryFile_Clone(ZelObject*);
-unsigned char* MemoryFile_Read(ZelObject*, int, int*);
-int MemoryFile_Write(ZelObject*, unsigned char*);
-int MemoryFile_SeekFromBegin(ZelObject*, int);
-int MemoryFile_GetLength(ZelObject*);
-int MemoryFile_GetPosition(ZelObject*);
-unsigned char* MemoryFile_GetBytes(ZelObject*);
-}
 
 namespace {
 

@@ -9,32 +9,10 @@
 
 #include "common/test_object.h"
 #include "io/File.h"
+#include "file_class_methods.h"
 #include "io_test_util.h"
 #include <zel/services.h>
 #include <zel/values.h>
-
-extern "C" {
-extern tagTBaseTypeInfo g_info_File, g_info_TextFile, g_info_BinaryFile;
-void File_Init(ZelObject*);
-void File_Free(ZelObject*);
-unsigned char* File_Read(ZelObject*, int, int*);
-int File_Write(ZelObject*, unsigned char*);
-int File_Open(ZelObject*, unsigned char*, int);
-void TextFile_Init(ZelObject*);
-void TextFile_Free(ZelObject*);
-unsigned char* TextFile_Read(ZelObject*, int, int*);
-int TextFile_Write(ZelObject*, unsigned char*);
-int TextFile_Seek(ZelObject*, unsigned char*, int);
-int TextFile_SeekCurrent(ZelObject*, int);
-int TextFile_SeekFromEnd(ZelObject*, int);
-int TextFile_GetPosition(ZelObject*);
-int TextFile_Open(ZelObject*, unsigned char*, int, int);
-void BinaryFile_Init(ZelObject*);
-void BinaryFile_Free(ZelObject*);
-unsigned char* BinaryFile_ReadFile(ZelObject*, unsigned char*, int);
-int BinaryFile_WriteFile(ZelObject*, unsigned char*, unsigned char*, int);
-int BinaryFile_GetFileType(ZelObject*, unsigned char*);
-}
 
 namespace {
 

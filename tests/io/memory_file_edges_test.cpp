@@ -6,21 +6,12 @@
 
 #include "common/test_object.h"
 #include "io/MemoryStream.h"
+#include "file_class_methods.h"
 #include "io_test_util.h"
 #include <zel/services.h>
 #include <zel/values.h>
 
-extern "C" {
-extern tagTBaseTypeInfo g_info_MemoryFile;
-void MemoryFile_Init(ZelObject*);
-void MemoryFile_Free(ZelObject*);
-void* MemoryFile_Clone(ZelObject*);
-unsigned char* MemoryFile_Read(ZelObject*, int, int*);
-int MemoryFile_Write(ZelObject*, unsigned char*);
-int MemoryFile_GetLength(ZelObject*);
-unsigned char* MemoryFile_GetBytes(ZelObject*);
-int MemoryStream_GetLength(ZelObject*);
-}
+extern "C" int MemoryStream_GetLength(ZelObject*);
 
 namespace {
 
