@@ -69,6 +69,23 @@ TEST(Services, ARuntimeThatOnlyMakesObjects) {
     zel_free(bin);
 }
 
+TEST(Services, HandingOverNoRuntimeLeavesNoServices) {
+    int noOwnClass[3] = {1, 0, 0};
+    ZelObject headless{nullptr, noOwnClass, nullptr};
+    for (ZelObject* runtime : {static_cast<ZelObject*>(nullptr), &headless}) {
+        CountingRuntime again;  // a working runtime first
+        ASSERT_NE(g_pGCClassInfo, nullptr);
+        EXPECT_EQ(ZelNotifyLib(&g_zellib_info, NOTIFY_LIB_RUNTIME, Handle(runtime), 0), 0);
+        EXPECT_EQ(g_pRuntimeObject, runtime);
+        EXPECT_EQ(g_pRuntimeClassInfo, nullptr);
+        // The old runtime's memory manager must not serve on.
+        EXPECT_EQ(g_pGCClassInfo, nullptr);
+        unsigned char* text = zel::NewText(L"x");
+        EXPECT_EQ(again.LiveValues(), 0);
+        zel_free(text);
+    }
+}
+
 TEST(Services, ServiceNumbersOutsideTheTable) {
     tagMethodItem methods[2] = {};
     methods[1].function = reinterpret_cast<void*>(MakeObject);
