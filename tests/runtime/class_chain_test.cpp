@@ -15,6 +15,8 @@
 #include <zel/loader.h>
 #include <zel/mstring.h>
 
+#include "common/child_process.h"
+
 namespace {
 using zel::MakeMethod;
 
@@ -137,6 +139,17 @@ TEST(SystemLibrary, ALibraryWithoutTheEntryGivesNoRuntime) {
     unsetenv("ZELCLS_PATHS");
     unlink(impostor.c_str());
     rmdir(folder);
+}
+
+TEST(SystemLibrary, NoSearchPathFindsNothing) {
+    setenv("ZELCLS_PATHS", ";,", 1);
+    ChildResult r = RunInChild([] {
+        SysLibLoader loader;
+        return loader.GetRuntimeObject() || loader.GetLibInfo() ? 1 : 0;
+    });
+    unsetenv("ZELCLS_PATHS");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_NE(r.out.find("[错误]：无法加载Zel语言系统类库(系统.ncl)！"), std::string::npos);
 }
 
 TEST(SystemLibrary, TheRuntimeItGivesBelongsToTheSystemLibrary) {

@@ -59,16 +59,21 @@ TEST(StreamSlots, FoundPastAbsentLevelsAndHollowEntries) {
     Chained skipsHollow({&hollow});
     EXPECT_TRUE(zel::StreamWriteInt(skipsHollow, 2));
     EXPECT_EQ(zel::InterfaceSlot(skipsHollow, L"系统.输出流", 1), zel::Fn2Ptr(WriteIntB));
-    EXPECT_EQ(g_calls, (std::vector<std::string>{"A1", "B2"}));
+    // An interface record in the chain is no class: its entries are not slots.
+    tagTBaseTypeInfo notAClass = Stream(kStreamB, 1);
+    notAClass.kind = ZEL_KIND_INTERFACE;
+    Chained withInterface({&a, &notAClass});
+    EXPECT_TRUE(zel::StreamWriteInt(withInterface, 3));
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"A1", "B2", "A3"}));
 
     Chained noLevels({});
     ZelObject noChain{nullptr, nullptr, nullptr};
     for (ZelObject* odd : {static_cast<ZelObject*>(noLevels), &noChain}) {
-        EXPECT_FALSE(zel::StreamWriteInt(odd, 3));
+        EXPECT_FALSE(zel::StreamWriteInt(odd, 4));
         EXPECT_EQ(zel::StreamReadInt(odd), -1);
         EXPECT_EQ(zel::InterfaceSlot(odd, L"系统.输出流", 1), nullptr);
     }
-    EXPECT_EQ(g_calls.size(), 2u);
+    EXPECT_EQ(g_calls.size(), 3u);
 }
 
 TEST(StreamSlots, AChainReusedForAnotherClassCallsTheNewClass) {
