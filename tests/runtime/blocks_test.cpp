@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <vector>
 
 #include <zel/errors.h>
@@ -23,18 +24,29 @@ namespace {
 uintptr_t Page(const void* p) { return reinterpret_cast<uintptr_t>(p) >> 12; }
 
 // A constant block of another library made from an ordinary allocation, and
-// an ordinary block of ours on the same page: the page is marked, so every
-// call on the neighbour goes the slow way and must still treat it as ours.
+// two ordinary blocks of ours on the same page: the page is marked, so every
+// call on a neighbour goes the slow way and must still treat it as ours.
 struct SharedPage {
     SharedPage() {
-        constant = static_cast<int*>(std::calloc(16, sizeof(int)));
-        constant[0] = 16 * sizeof(int);
+        std::map<uintptr_t, std::vector<void*>> byPage;
+        for (int i = 0; i < 256; ++i) {
+            void* p = zel_malloc(64);
+            byPage[Page(p)].push_back(p);
+        }
+        for (auto& [page, blocks] : byPage) {
+            if (!constant && blocks.size() >= 3) {
+                constant = static_cast<int*>(blocks[0]);
+                neighbours.assign(blocks.begin() + 1, blocks.begin() + 3);
+                others.insert(others.end(), blocks.begin() + 3, blocks.end());
+            } else {
+                others.insert(others.end(), blocks.begin(), blocks.end());
+            }
+        }
+        if (!constant) return;
+        std::memset(constant, 0, 64);
+        constant[0] = 64;
         constant[4] = 0x5EED;
         g_EmptyConst.next = constant;
-        for (int i = 0; i < 4096 && neighbours.size() < 2; ++i) {
-            void* p = zel_malloc(64);
-            (Page(p) == Page(constant) ? neighbours : others).push_back(p);
-        }
     }
     ~SharedPage() {
         g_EmptyConst.next = nullptr;
@@ -42,14 +54,14 @@ struct SharedPage {
         for (void* p : neighbours) zel_free(p);
         std::free(constant);
     }
-    int* constant;
+    int* constant = nullptr;
     std::vector<void*> neighbours, others;
 };
 
 TEST(Blocks, OrdinaryBlockOnAConstantsPageIsResizedAndFreed) {
     CountingRuntime runtime;
     SharedPage page;
-    ASSERT_EQ(page.neighbours.size(), 2u) << "no allocation landed on the constant's page";
+    ASSERT_EQ(page.neighbours.size(), 2u) << "no page held three of the blocks";
     std::memset(page.neighbours[0], 'a', 64);
     auto* grown = static_cast<char*>(zel_realloc(page.neighbours[0], 4096));
     ASSERT_NE(grown, nullptr);
