@@ -16,6 +16,7 @@
 #include <zel/mstring.h>
 
 #include "common/child_process.h"
+#include "runtime/chained_object.h"
 
 namespace {
 using zel::MakeMethod;
@@ -50,28 +51,12 @@ tagTBaseTypeInfo Record(const wchar_t* name, tagMethodItem* methods, int count) 
     return r;
 }
 
-// An object whose chain holds the given records from level 0 up.
-struct Chained {
-    explicit Chained(std::vector<tagTBaseTypeInfo*> records) {
-        chain.push_back(int(records.size()));
-        for (tagTBaseTypeInfo* r : records) {
-            chain.push_back(int(reinterpret_cast<intptr_t>(r)));
-            chain.push_back(0);
-        }
-        words[0] = words;
-        words[1] = chain.data();
-    }
-    ZelObject* get() { return reinterpret_cast<ZelObject*>(words); }
-    std::vector<int> chain;
-    void* words[3] = {};
-};
-
 TEST(ClassChain, DefaultConstructorIsTheFirstFoundFromTheLevelDown) {
     tagTBaseTypeInfo lowest = Record(L"测试.底", kLowestMethods, 1);
     tagTBaseTypeInfo middle = Record(L"测试.中", kMiddleMethods, 1);
     tagTBaseTypeInfo noTable = Record(L"测试.无表", nullptr, 3);
     tagTBaseTypeInfo top = Record(L"测试.顶", kTopMethods, 4);
-    Chained object({&lowest, &middle, nullptr, &noTable, &top});
+    ChainedObject object({&lowest, &middle, nullptr, &noTable, &top});
 
     struct Case {
         int level;
@@ -90,7 +75,7 @@ TEST(ClassChain, DefaultConstructorIsTheFirstFoundFromTheLevelDown) {
     }
     g_ran.clear();
     MCallClassDefaultConstructor(nullptr, 3);
-    Chained bare({&noTable, &top});
+    ChainedObject bare({&noTable, &top});
     MCallClassDefaultConstructor(bare.get(), 1);
     EXPECT_TRUE(g_ran.empty());
 }
@@ -98,11 +83,11 @@ TEST(ClassChain, DefaultConstructorIsTheFirstFoundFromTheLevelDown) {
 TEST(ClassChain, NameOfTheOwnClassOrNone) {
     tagTBaseTypeInfo own = Record(L"测试.自己", nullptr, 0);
     tagTBaseTypeInfo base = Record(L"测试.基", nullptr, 0);
-    Chained object({&base, &own});
+    ChainedObject object({&base, &own});
     EXPECT_STREQ(MGetClassName(object.get()), L"测试.自己");
-    Chained empty({});  // a chain of no levels
+    ChainedObject empty({});  // a chain of no levels
     EXPECT_EQ(MGetClassName(empty.get()), nullptr);
-    Chained unnamed({&own, nullptr});
+    ChainedObject unnamed({&own, nullptr});
     EXPECT_EQ(MGetClassName(unnamed.get()), nullptr);
     ZelObject noChain{nullptr, nullptr, nullptr};
     EXPECT_EQ(MGetClassName(&noChain), nullptr);

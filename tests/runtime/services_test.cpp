@@ -14,6 +14,7 @@
 #include <zel/values.h>
 
 #include "common/counting_runtime.h"
+#include "runtime/chained_object.h"
 
 namespace {
 
@@ -43,9 +44,8 @@ TEST(Services, ARuntimeThatOnlyMakesObjects) {
     tagTBaseTypeInfo runtimeClass{};
     runtimeClass.methodCount = ZEL_RT_NEW_OBJECT + 1;
     runtimeClass.methods = methods;
-    int chain[3] = {1, int(reinterpret_cast<intptr_t>(&runtimeClass)), 0};
-    ZelObject runtime{nullptr, chain, nullptr};
-    EXPECT_EQ(ZelNotifyLib(&g_zellib_info, NOTIFY_LIB_RUNTIME, Handle(&runtime), 0), 0);
+    ChainedObject runtime({&runtimeClass});
+    EXPECT_EQ(ZelNotifyLib(&g_zellib_info, NOTIFY_LIB_RUNTIME, Handle(runtime), 0), 0);
     EXPECT_EQ(g_pRuntimeClassInfo, &runtimeClass);
     EXPECT_EQ(g_pGCClassInfo, nullptr);  // no memory manager offered
     EXPECT_EQ(g_EmptyConst.library, &g_zellib_info);
@@ -70,9 +70,8 @@ TEST(Services, ARuntimeThatOnlyMakesObjects) {
 }
 
 TEST(Services, HandingOverNoRuntimeLeavesNoServices) {
-    int noOwnClass[3] = {1, 0, 0};
-    ZelObject headless{nullptr, noOwnClass, nullptr};
-    for (ZelObject* runtime : {static_cast<ZelObject*>(nullptr), &headless}) {
+    ChainedObject headless({nullptr});
+    for (ZelObject* runtime : {static_cast<ZelObject*>(nullptr), headless.get()}) {
         CountingRuntime again;  // a working runtime first
         ASSERT_NE(g_pGCClassInfo, nullptr);
         EXPECT_EQ(ZelNotifyLib(&g_zellib_info, NOTIFY_LIB_RUNTIME, Handle(runtime), 0), 0);
@@ -137,12 +136,11 @@ TEST(Descriptors, ElementTableOfNoItemsGivesNone) {
     none.elements = items;  // a table, but a count of 0
     one.elements = items;
     one.elementCount = 1;
-    int chain[5] = {2, int(reinterpret_cast<intptr_t>(&one)), 0, int(reinterpret_cast<intptr_t>(&none)), 0};
-    ZelObject object{nullptr, chain, nullptr};
+    ChainedObject object({&one, &none});
     int seen = 0;
-    EnumObjectAllElements(&object, CountElement, &seen);
+    EnumObjectAllElements(object, CountElement, &seen);
     EXPECT_EQ(seen, 1);
-    EnumObjectAllElements(&object, nullptr, &seen);
+    EnumObjectAllElements(object, nullptr, &seen);
     EXPECT_EQ(seen, 1);
 }
 

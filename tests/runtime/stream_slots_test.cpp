@@ -9,6 +9,8 @@
 #include <zel/class_table.h>
 #include <zel/stream_calls.h>
 
+#include "runtime/chained_object.h"
+
 namespace {
 
 std::vector<std::string> g_calls;
@@ -34,39 +36,24 @@ tagTBaseTypeInfo Stream(tagInterfaceEntry* entries, int count) {
     return r;
 }
 
-struct Chained {
-    explicit Chained(std::vector<tagTBaseTypeInfo*> records) {
-        chain.push_back(int(records.size()));
-        for (tagTBaseTypeInfo* r : records) {
-            chain.push_back(int(reinterpret_cast<intptr_t>(r)));
-            chain.push_back(0);
-        }
-        object.runtimeWord = &object;
-        object.classChain = chain.data();
-    }
-    operator ZelObject*() { return &object; }
-    std::vector<int> chain;
-    ZelObject object{};
-};
-
 TEST(StreamSlots, FoundPastAbsentLevelsAndHollowEntries) {
     tagTBaseTypeInfo a = Stream(kStreamA, 2), hollow = Stream(kHollowFirst, 2);
-    Chained derived({&a, nullptr});  // the own level has no record: the base serves
+    ChainedObject derived({&a, nullptr});  // the own level has no record: the base serves
     g_calls.clear();
     EXPECT_TRUE(zel::StreamWriteInt(derived, 1));
     EXPECT_EQ(zel::StreamReadInt(derived), 11);
     EXPECT_EQ(zel::StreamReadDouble(derived), -1.0);  // a slot left empty reads the sentinel
-    Chained skipsHollow({&hollow});
+    ChainedObject skipsHollow({&hollow});
     EXPECT_TRUE(zel::StreamWriteInt(skipsHollow, 2));
     EXPECT_EQ(zel::InterfaceSlot(skipsHollow, L"系统.输出流", 1), zel::Fn2Ptr(WriteIntB));
     // An interface record in the chain is no class: its entries are not slots.
     tagTBaseTypeInfo notAClass = Stream(kStreamB, 1);
     notAClass.kind = ZEL_KIND_INTERFACE;
-    Chained withInterface({&a, &notAClass});
+    ChainedObject withInterface({&a, &notAClass});
     EXPECT_TRUE(zel::StreamWriteInt(withInterface, 3));
     EXPECT_EQ(g_calls, (std::vector<std::string>{"A1", "B2", "A3"}));
 
-    Chained noLevels({});
+    ChainedObject noLevels({});
     ZelObject noChain{nullptr, nullptr, nullptr};
     for (ZelObject* odd : {static_cast<ZelObject*>(noLevels), &noChain}) {
         EXPECT_FALSE(zel::StreamWriteInt(odd, 4));
@@ -78,7 +65,7 @@ TEST(StreamSlots, FoundPastAbsentLevelsAndHollowEntries) {
 
 TEST(StreamSlots, AChainReusedForAnotherClassCallsTheNewClass) {
     tagTBaseTypeInfo a = Stream(kStreamA, 2), b = Stream(kStreamB, 1), plain = Stream(nullptr, 0);
-    Chained object({&a});
+    ChainedObject object({&a});
     g_calls.clear();
     EXPECT_TRUE(zel::StreamWriteInt(object, 1));
     object.chain[1] = int(reinterpret_cast<intptr_t>(&b));  // same chain words, another class
