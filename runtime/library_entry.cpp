@@ -29,6 +29,8 @@ int NotifyLibrary(ZelLibInfo* lib, NOTIFY_LIB_CODE code, unsigned int p1, unsign
     auto* runtime = reinterpret_cast<ZelObject*>(p1);
     g_pRuntimeObject = runtime;
     g_pRuntimeClassInfo = runtime ? OwnClass(runtime) : nullptr;
+    // No runtime class: no runtime services, the memory manager's included.
+    g_pGCClassInfo = nullptr;
     if (!g_pRuntimeClassInfo) return 0;
     auto memoryManager = reinterpret_cast<tagTBaseTypeInfo* (*)()>(ServiceFunction(g_pRuntimeClassInfo, ZEL_RT_MEMORY_MANAGER));
     g_pGCClassInfo = memoryManager ? memoryManager() : nullptr;

@@ -27,8 +27,7 @@ std::string Capture(int fd, Body body) {
     if (child == 0) {
         if (!freopen(path, "w", fd == 1 ? stdout : stderr)) _exit(1);
         body();
-        fflush(nullptr);
-        _exit(0);
+        std::exit(0);  // not _exit: what the child ran is counted at exit
     }
     int status = 0;
     waitpid(child, &status, 0);

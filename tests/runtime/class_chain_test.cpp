@@ -1,0 +1,153 @@
+// What the library reads from an object's class chain: its class name and
+// the default constructor found from a level downwards; and the system
+// library found where it is, or a library that is not one.
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <zel/class_table.h>
+#include <zel/loader.h>
+#include <zel/mstring.h>
+
+#include "common/child_process.h"
+#include "runtime/chained_object.h"
+
+namespace {
+using zel::MakeMethod;
+
+std::vector<std::string> g_ran;
+void Lowest(ZelObject*) { g_ran.push_back("lowest"); }
+void Middle(ZelObject*) { g_ran.push_back("middle"); }
+void WithParameter(ZelObject*) { g_ran.push_back("with parameter"); }
+void StaticOne(ZelObject*) { g_ran.push_back("static"); }
+
+tagParamItem kOne[] = {zel::Param(L"值", L"_i")};
+// None of these is a default constructor.
+tagMethodItem kTopMethods[] = {
+    MakeMethod(ZEL_CONSTRUCTOR | ZEL_METHOD_STATIC_BIT, L"静态构造", L"", nullptr, 0, zel::Fn2Ptr(StaticOne), L""),
+    MakeMethod(ZEL_CONSTRUCTOR, L"带参构造", L"", kOne, 1, zel::Fn2Ptr(WithParameter), L""),
+    MakeMethod(ZEL_CONSTRUCTOR, L"空构造", L"", nullptr, 0, nullptr, L""),
+    MakeMethod(ZEL_METHOD, L"方法", L"", nullptr, 0, zel::Fn2Ptr(Middle), L""),
+};
+tagMethodItem kMiddleMethods[] = {
+    MakeMethod(ZEL_CONSTRUCTOR, L"构造", L"", nullptr, 0, zel::Fn2Ptr(Middle), L""),
+};
+tagMethodItem kLowestMethods[] = {
+    MakeMethod(ZEL_CONSTRUCTOR, L"构造", L"", nullptr, 0, zel::Fn2Ptr(Lowest), L""),
+};
+
+tagTBaseTypeInfo Record(const wchar_t* name, tagMethodItem* methods, int count) {
+    tagTBaseTypeInfo r{};
+    r.name = const_cast<wchar_t*>(name);
+    r.kind = ZEL_KIND_CLASS;
+    r.methods = methods;
+    r.methodCount = count;
+    return r;
+}
+
+TEST(ClassChain, DefaultConstructorIsTheFirstFoundFromTheLevelDown) {
+    tagTBaseTypeInfo lowest = Record(L"测试.底", kLowestMethods, 1);
+    tagTBaseTypeInfo middle = Record(L"测试.中", kMiddleMethods, 1);
+    tagTBaseTypeInfo noTable = Record(L"测试.无表", nullptr, 3);
+    tagTBaseTypeInfo top = Record(L"测试.顶", kTopMethods, 4);
+    ChainedObject object({&lowest, &middle, nullptr, &noTable, &top});
+
+    struct Case {
+        int level;
+        std::vector<std::string> ran;
+    } cases[] = {
+        {4, {"middle"}},  // past the top's non-defaults, the absent and the table-less levels
+        {9, {"middle"}},  // levels above the chain are absent, not read
+        {2, {"middle"}},
+        {0, {"lowest"}},
+        {-1, {}},
+    };
+    for (const Case& c : cases) {
+        g_ran.clear();
+        MCallClassDefaultConstructor(object.get(), c.level);
+        EXPECT_EQ(g_ran, c.ran) << c.level;
+    }
+    g_ran.clear();
+    MCallClassDefaultConstructor(nullptr, 3);
+    ChainedObject bare({&noTable, &top});
+    MCallClassDefaultConstructor(bare.get(), 1);
+    EXPECT_TRUE(g_ran.empty());
+}
+
+TEST(ClassChain, NameOfTheOwnClassOrNone) {
+    tagTBaseTypeInfo own = Record(L"测试.自己", nullptr, 0);
+    tagTBaseTypeInfo base = Record(L"测试.基", nullptr, 0);
+    ChainedObject object({&base, &own});
+    EXPECT_STREQ(MGetClassName(object.get()), L"测试.自己");
+    ChainedObject empty({});  // a chain of no levels
+    EXPECT_EQ(MGetClassName(empty.get()), nullptr);
+    ChainedObject unnamed({&own, nullptr});
+    EXPECT_EQ(MGetClassName(unnamed.get()), nullptr);
+    ZelObject noChain{nullptr, nullptr, nullptr};
+    EXPECT_EQ(MGetClassName(&noChain), nullptr);
+    EXPECT_EQ(MGetClassName(nullptr), nullptr);
+
+    CMString shortName(L"旧");
+    GetEventShortName(shortName, object.get());
+    EXPECT_STREQ(shortName.GetText(), L"自己");
+    GetEventShortName(shortName, &noChain);
+    EXPECT_STREQ(shortName.GetText(), L"");
+    shortName = L"旧";
+    GetEventShortName(shortName, static_cast<wchar_t*>(nullptr));
+    EXPECT_STREQ(shortName.GetText(), L"");
+}
+
+std::string BuildDir() {
+    const char* env = std::getenv("ZEL_TEST_BUILD_DIR");
+    return env ? env : ".";
+}
+
+TEST(SystemLibrary, ALibraryWithoutTheEntryGivesNoRuntime) {
+    Dl_info info{};
+    if (!dladdr(dlsym(RTLD_DEFAULT, "cos"), &info) || !info.dli_fname) GTEST_SKIP() << "no shared C library";
+    char folder[] = "/tmp/zel-sys-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    std::string impostor = std::string(folder) + "/系统.ncl";
+    ASSERT_EQ(symlink(info.dli_fname, impostor.c_str()), 0);
+    setenv("ZELCLS_PATHS", folder, 1);
+    {
+        SysLibLoader loader;  // loads it, finds no entry point
+        EXPECT_EQ(loader.GetRuntimeObject(), nullptr);
+        EXPECT_EQ(loader.GetLibInfo(), nullptr);
+    }
+    unsetenv("ZELCLS_PATHS");
+    unlink(impostor.c_str());
+    rmdir(folder);
+}
+
+TEST(SystemLibrary, NoSearchPathFindsNothing) {
+    setenv("ZELCLS_PATHS", ";,", 1);
+    ChildResult r = RunInChild([] {
+        SysLibLoader loader;
+        return loader.GetRuntimeObject() || loader.GetLibInfo() ? 1 : 0;
+    });
+    unsetenv("ZELCLS_PATHS");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_NE(r.out.find("[错误]：无法加载Zel语言系统类库(系统.ncl)！"), std::string::npos);
+}
+
+TEST(SystemLibrary, TheRuntimeItGivesBelongsToTheSystemLibrary) {
+    std::string build = BuildDir();
+    if (access((build + "/系统.ncl").c_str(), R_OK) != 0) GTEST_SKIP() << "the runtime host is not built";
+    setenv("ZELCLS_PATHS", build.c_str(), 1);
+    SysLibLoader loader;
+    unsetenv("ZELCLS_PATHS");
+    ZelLibInfo* lib = loader.GetLibInfo();
+    ASSERT_NE(lib, nullptr);
+    EXPECT_STREQ(lib->name, L"系统");
+    ASSERT_NE(loader.GetRuntimeObject(), nullptr);
+    EXPECT_NE(MGetClassName(loader.GetRuntimeObject()), nullptr);
+}
+
+}  // namespace

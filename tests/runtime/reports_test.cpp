@@ -1,0 +1,86 @@
+// Error reports without a runtime (or with one that takes no reports), and
+// the print family when its format cannot be copied.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cwchar>
+#include <string>
+
+#include <zel/errors.h>
+#include <zel/memory.h>
+#include <zel/mstring.h>
+#include <zel/services.h>
+#include <zel/values.h>
+
+#include "common/child_process.h"
+
+namespace {
+wchar_t* W(const wchar_t* s) { return const_cast<wchar_t*>(s); }
+
+TEST(Report, FatalAndNullFormsOnTheErrorStream) {
+    struct Case {
+        const wchar_t* library;
+        int code;
+        const wchar_t* message;
+        int status;
+        const char* text;
+    } cases[] = {
+        {nullptr, 6, nullptr, 0, "发生错误码为6的错误\n"},  // null reads as empty
+        {nullptr, -2, nullptr, 255, "发生错误码为-2的严重错误\n"},
+        {nullptr, -3, L"坏", 255, "严重错误(-3): 坏\n"},
+        {L"工具", -4, nullptr, 255, "类库\"工具\"中发生错误码为-4的严重错误\n"},
+        {L"工具", 0, L"", 0, "类库\"工具\"中发生错误码为0的错误\n"},
+    };
+    for (const Case& c : cases) {
+        ChildResult r = RunInChild([&] {
+            MReportError(W(c.library), c.code, W(c.message));
+            return 0;
+        });
+        EXPECT_EQ(r.status, c.status) << c.text;
+        EXPECT_EQ(r.err, c.text);
+        EXPECT_EQ(r.out, "");
+    }
+}
+
+TEST(Report, ARuntimeWithoutTheReportServicePrintsAsIfAbsent) {
+    tagMethodItem services[2] = {};  // lock and unlock only, both empty
+    tagTBaseTypeInfo runtimeClass{};
+    runtimeClass.methodCount = 2;
+    runtimeClass.methods = services;
+    ChildResult r = RunInChild([&] {
+        g_pRuntimeClassInfo = &runtimeClass;
+        int n = MReportError(W(L"工具"), 9, W(L"丢失"));
+        g_pRuntimeClassInfo = nullptr;
+        return n > 0 ? 0 : 1;
+    });
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.err, "类库\"工具\"中发生错误(9): 丢失\n");
+}
+
+TEST(Print, FormatsWithoutACopyPrintNothing) {
+    CMString copy;
+    EXPECT_STREQ(zel::CLibraryFormat(nullptr, copy), L"");
+    const wchar_t* trailing = L"100%";
+    EXPECT_EQ(zel::CLibraryFormat(trailing, copy), trailing);  // nothing to swap: no copy
+    EXPECT_TRUE(copy.IsEmpty());
+
+    // Only formats with a "%s" need a copy, so only those fail without memory.
+    wchar_t buf[16] = L"old";
+    zel::FailAllocationAfter(1);
+    EXPECT_EQ(swprintf_linux(buf, W(L"<%s>"), L"x"), -1);
+    EXPECT_STREQ(buf, L"old");
+    zel::FailAllocationAfter(1);
+    EXPECT_EQ(wprintf_linux(W(L"%s\n"), L"x"), -1);
+    FILE* file = std::tmpfile();
+    ASSERT_NE(file, nullptr);
+    zel::FailAllocationAfter(1);
+    EXPECT_EQ(fwprintf_linux(file, W(L"%s"), L"x"), -1);
+    EXPECT_EQ(std::ftell(file), 0L);
+    zel::FailAllocationAfter(1);
+    EXPECT_EQ(fwprintf_linux(file, W(L"%d"), 42), 2);  // no copy needed: printed
+    EXPECT_EQ(zel::AllocationCountdown(), 1);
+    zel::FailAllocationAfter(0);
+    std::fclose(file);
+}
+
+}  // namespace
