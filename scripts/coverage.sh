@@ -20,7 +20,8 @@ cmake --build build-coverage -j"$jobs"
 # archive, whose objects here need the coverage runtime: it is left out.
 (cd build-coverage && ctest -j"$jobs" --output-on-failure -E '^sdk[.]') || echo "coverage: some tests failed; figures follow anyway" >&2
 
-gcovr -r . --object-directory build-coverage -j "$jobs" \
+# Only this build's data: other build folders in the tree may hold notes too.
+gcovr -r . build-coverage --object-directory build-coverage -j "$jobs" \
   --exclude-throw-branches --exclude-unreachable-branches \
   --filter 'runtime/' --filter 'support/' --filter 'classes/' --filter 'io/' --filter 'host/' --filter 'include/' \
   --exclude-directories 'build-coverage/CMakeFiles/[0-9]' \
