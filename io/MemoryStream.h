@@ -44,10 +44,11 @@ public:
     int WriteBinData(unsigned char* bin);
 
     ZEL_API __attribute__((used)) int ReadInt() {
-        if (!IsDataValid(4)) return -1;
+        int position = m_position;
+        if (position < 0 || m_size - position < 4) return -1;  // as IsDataValid(4)
         int v;
-        Peek(&v, 0, 4);
-        m_position += 4;
+        std::memcpy(&v, m_data + position, 4);
+        m_position = position + 4;
         return v;
     }
     int ReadBool();
