@@ -34,7 +34,15 @@ public:
     // The integer reader and writer are inline where this header is seen
     // (the library still exports them): one value per call is their use.
     ZEL_API __attribute__((used)) int WriteInt(int v) {
-        AddInt(v);
+        if (m_capacity - m_size >= 4 || RaiseCapacity(4)) {
+            // An int store (not a byte copy): the compiler need not reload
+            // the buffer's pointer after it.
+            typedef int UnalignedInt __attribute__((aligned(1)));
+            *reinterpret_cast<UnalignedInt*>(m_data + m_size) = v;
+            m_size += 4;
+            return 1;
+        }
+        Append(&v, sizeof v);  // moves the block; a failed growth writes nothing
         return 1;
     }
     int WriteBool(int v);
