@@ -3,8 +3,8 @@
 //
 // Capacity is always rounded to n + A - (n mod A) for granule A, so a buffer
 // holding data always has spare room. Growth is linear by the granule; the
-// block beneath is larger and steps geometrically (support/minimem.cpp), so
-// code that sets the fields itself must keep to that rule. The
+// block beneath is larger and steps geometrically, and the granule step
+// trusts that, so subclasses change the block only through the methods. The
 // block comes from zel_malloc and is released with zel_free, also by whoever
 // takes it with Detach(). Failed allocations leave the buffer as it was.
 #pragma once
