@@ -7,9 +7,13 @@
 #include <zel/services.h>
 #include <zel/values.h>
 
-ZEL_EXPORT CMemoryStream* _MemoryStream_GetData(ZelObject* obj) {
-    return obj ? static_cast<CMemoryStream*>(GetDataItemData(obj, 1, 0)) : nullptr;
+// The stream is the hidden word of the class's own level (level 1, item 0).
+// The slots run once per value, so they read it in place, without a call.
+static inline CMemoryStream* StreamOf(ZelObject* obj) {
+    return obj ? static_cast<CMemoryStream*>(static_cast<void**>(ZelObjectWords(obj)[2 + 1])[0]) : nullptr;
 }
+
+ZEL_EXPORT CMemoryStream* _MemoryStream_GetData(ZelObject* obj) { return StreamOf(obj); }
 
 static void InitStream(ZelObject* obj) { SetDataItemData(obj, 1, 0, zel::NewOrNull<CMemoryStream>()); }
 
@@ -51,43 +55,43 @@ ZEL_EXPORT int MemoryStream_InitData(ZelObject* obj, unsigned char* bin) {
 
 // Without a stream the reads give their sentinels and the writes do nothing.
 static int ReadIntSlot(ZelObject* obj) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->ReadInt() : -1;
 }
 static double ReadDoubleSlot(ZelObject* obj) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->ReadDouble() : -1.0;
 }
 static int ReadBoolSlot(ZelObject* obj) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->ReadBool() : 0;
 }
 static unsigned char* ReadTextSlot(ZelObject* obj) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->ReadText() : zel::NewText(L"");
 }
 static unsigned char* ReadBinSlot(ZelObject* obj) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->ReadBin() : zel::EmptyBin();
 }
 static int WriteIntSlot(ZelObject* obj, int v) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->WriteInt(v) : 0;
 }
 static int WriteDoubleSlot(ZelObject* obj, double v) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->WriteDouble(v) : 0;
 }
 static int WriteBoolSlot(ZelObject* obj, int v) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->WriteBool(v) : 0;
 }
 static int WriteTextSlot(ZelObject* obj, unsigned char* text) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->WriteText(zel::TextChars(text)) : 0;
 }
 static int WriteBinSlot(ZelObject* obj, unsigned char* bin) {
-    CMemoryStream* stream = _MemoryStream_GetData(obj);
+    CMemoryStream* stream = StreamOf(obj);
     return stream ? stream->WriteBin(bin) : 0;
 }
 static int NothingSlot(ZelObject*) { return 0; }

@@ -1,5 +1,7 @@
 #include <zel/stream_calls.h>
 
+#include <atomic>
+
 #include <zel/textfuncs.h>
 
 namespace zel {
@@ -23,46 +25,69 @@ namespace {
 const wchar_t kOutput[] = L"系统.输出流";
 const wchar_t kInput[] = L"系统.输入流";
 
-// Hooks read and write many values through one stream: the slot found last
-// for each interface and slot number is kept per thread, keyed by the
-// stream's class chain and own class record.
+// Hooks read and write many values through one stream: each interface slot
+// keeps the function found last, keyed by the stream's class chain and own
+// class record. The three words change together under a sequence count (odd
+// while a writer is at work), so a reader on another thread never pairs one
+// class with another's function; a reader that sees a change searches.
 struct SlotMemo {
-    const int* chain = nullptr;
-    const void* ownClass = nullptr;
-    void* function = nullptr;
+    std::atomic<unsigned> sequence;
+    std::atomic<const int*> chain;
+    std::atomic<const void*> ownClass;
+    std::atomic<void*> function;
 };
-thread_local SlotMemo t_memo[2][6];
 
-void* CachedSlot(ZelObject* stream, const wchar_t* interfaceName, int slot) {
-    if (!stream || !stream->classChain || stream->classChain[0] < 1 || slot < 1 || slot > 5)
-        return InterfaceSlot(stream, interfaceName, slot);
-    const int* chain = stream->classChain;
-    const void* ownClass = reinterpret_cast<const void*>(chain[1 + 2 * (chain[0] - 1)]);
-    SlotMemo& memo = t_memo[interfaceName == kInput][slot];
-    if (memo.chain != chain || memo.ownClass != ownClass || !memo.function) {
-        memo.function = InterfaceSlot(stream, interfaceName, slot);
-        memo.chain = chain;
-        memo.ownClass = ownClass;
+template <bool Input, int Slot>
+SlotMemo g_memo;
+
+// The search, and the memo's update; kept out of the way of the hit.
+template <bool Input, int Slot>
+__attribute__((noinline)) void* SearchSlot(ZelObject* stream, unsigned seen) {
+    SlotMemo& memo = g_memo<Input, Slot>;
+    void* function = InterfaceSlot(stream, Input ? kInput : kOutput, Slot);
+    const int* chain = stream ? stream->classChain : nullptr;
+    if (!chain || chain[0] < 1) return function;
+    // Only one writer at a time; a busy memo is simply not updated.
+    if (!(seen & 1) && memo.sequence.compare_exchange_strong(seen, seen + 1, std::memory_order_acquire)) {
+        memo.chain.store(chain, std::memory_order_relaxed);
+        memo.ownClass.store(reinterpret_cast<const void*>(chain[1 + 2 * (chain[0] - 1)]), std::memory_order_relaxed);
+        memo.function.store(function, std::memory_order_relaxed);
+        memo.sequence.store(seen + 2, std::memory_order_release);
     }
-    return memo.function;
+    return function;
 }
 
-template <typename Result, typename... Args>
-Result CallSlot(ZelObject* stream, const wchar_t* interfaceName, int slot, Result fallback, Args... args) {
-    auto fn = reinterpret_cast<Result (*)(ZelObject*, Args...)>(CachedSlot(stream, interfaceName, slot));
+template <bool Input, int Slot>
+void* CachedSlot(ZelObject* stream) {
+    SlotMemo& memo = g_memo<Input, Slot>;
+    unsigned seen = memo.sequence.load(std::memory_order_acquire);
+    const int* chain = stream ? stream->classChain : nullptr;
+    if (chain && chain[0] >= 1 && memo.chain.load(std::memory_order_relaxed) == chain &&
+        memo.ownClass.load(std::memory_order_relaxed) == reinterpret_cast<const void*>(chain[1 + 2 * (chain[0] - 1)])) {
+        void* function = memo.function.load(std::memory_order_relaxed);
+        std::atomic_thread_fence(std::memory_order_acquire);
+        // An odd count never matches: a writer was at work.
+        if (function && !(seen & 1) && memo.sequence.load(std::memory_order_relaxed) == seen) return function;
+    }
+    return SearchSlot<Input, Slot>(stream, seen);
+}
+
+template <bool Input, int Slot, typename Result, typename... Args>
+Result CallSlot(ZelObject* stream, Result fallback, Args... args) {
+    auto fn = reinterpret_cast<Result (*)(ZelObject*, Args...)>(CachedSlot<Input, Slot>(stream));
     return fn ? fn(stream, args...) : fallback;
 }
 }  // namespace
 
-bool StreamWriteInt(ZelObject* s, int v) { return CallSlot<int>(s, kOutput, 1, 0, v) != 0; }
-bool StreamWriteDouble(ZelObject* s, double v) { return CallSlot<int>(s, kOutput, 2, 0, v) != 0; }
-bool StreamWriteBool(ZelObject* s, int v) { return CallSlot<int>(s, kOutput, 3, 0, v) != 0; }
-bool StreamWriteText(ZelObject* s, unsigned char* text) { return CallSlot<int>(s, kOutput, 4, 0, text) != 0; }
-bool StreamWriteBin(ZelObject* s, unsigned char* bin) { return CallSlot<int>(s, kOutput, 5, 0, bin) != 0; }
-int StreamReadInt(ZelObject* s) { return CallSlot<int>(s, kInput, 1, -1); }
-double StreamReadDouble(ZelObject* s) { return CallSlot<double>(s, kInput, 2, -1.0); }
-int StreamReadBool(ZelObject* s) { return CallSlot<int>(s, kInput, 3, 0); }
-unsigned char* StreamReadText(ZelObject* s) { return CallSlot<unsigned char*>(s, kInput, 4, nullptr); }
-unsigned char* StreamReadBin(ZelObject* s) { return CallSlot<unsigned char*>(s, kInput, 5, nullptr); }
+bool StreamWriteInt(ZelObject* s, int v) { return CallSlot<false, 1, int>(s, 0, v) != 0; }
+bool StreamWriteDouble(ZelObject* s, double v) { return CallSlot<false, 2, int>(s, 0, v) != 0; }
+bool StreamWriteBool(ZelObject* s, int v) { return CallSlot<false, 3, int>(s, 0, v) != 0; }
+bool StreamWriteText(ZelObject* s, unsigned char* text) { return CallSlot<false, 4, int>(s, 0, text) != 0; }
+bool StreamWriteBin(ZelObject* s, unsigned char* bin) { return CallSlot<false, 5, int>(s, 0, bin) != 0; }
+int StreamReadInt(ZelObject* s) { return CallSlot<true, 1, int>(s, -1); }
+double StreamReadDouble(ZelObject* s) { return CallSlot<true, 2, double>(s, -1.0); }
+int StreamReadBool(ZelObject* s) { return CallSlot<true, 3, int>(s, 0); }
+unsigned char* StreamReadText(ZelObject* s) { return CallSlot<true, 4, unsigned char*>(s, nullptr); }
+unsigned char* StreamReadBin(ZelObject* s) { return CallSlot<true, 5, unsigned char*>(s, nullptr); }
 
 }  // namespace zel

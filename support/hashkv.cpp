@@ -80,6 +80,14 @@ void CMemoryPool_HashKV::FreeAll() {
 
 // ---- table ----
 
+namespace {
+// The text map's own hash and equality (with the maps, below).
+unsigned int TextMapHash(void* key);
+int TextMapEquals(void* a, void* b);
+inline unsigned int HashAndLength(const wchar_t* s, int* length);
+inline bool SameText(const wchar_t* stored, const wchar_t* probe, int length);
+}  // namespace
+
 HashKV::HashKV(int n)
     : m_pool(sizeof(KV)),
       m_needFreeKey(0),
@@ -134,12 +142,14 @@ unsigned int ModuloPrime(unsigned int h, unsigned int p, std::index_sequence<I..
     bool found = ((p == unsigned(kPrimes[I]) ? (result = h % unsigned(kPrimes[I]), true) : false) || ...);
     return found ? result : h % p;
 }
+
+// A hash to its bucket among `count`.
+unsigned int Reduce(unsigned int hash, int count) {
+    return ModuloPrime(hash, static_cast<unsigned int>(count), std::make_index_sequence<std::size(kPrimes)>());
+}
 }  // namespace
 
-unsigned int HashKV::BucketOf(void* key) const {
-    unsigned int h = m_hash(key), p = static_cast<unsigned int>(m_bucketCount);
-    return ModuloPrime(h, p, std::make_index_sequence<std::size(kPrimes)>());
-}
+unsigned int HashKV::BucketOf(void* key) const { return Reduce(m_hash(key), m_bucketCount); }
 
 int HashKV::Set(void* key, void* value) {
     if (!m_buckets) InitHashTable(m_bucketCount);
@@ -172,7 +182,18 @@ int HashKV::Get(void* key, void** value) {
 int HashKV::IsExist(void* key) { return GetKV(key) != nullptr; }
 
 HashKV::KV* HashKV::GetKV(void* key) const {
-    for (KV* kv = GetKVs(key, nullptr); kv; kv = kv->next)
+    if (!m_buckets || m_count == 0) return nullptr;
+    // The text map's own functions are inlined: no call per lookup and
+    // cell, and the probe's length is counted once.
+    if (m_hash == TextMapHash && m_equals == TextMapEquals) {
+        auto* probe = static_cast<const wchar_t*>(key);
+        int length;
+        unsigned int hash = HashAndLength(probe, &length);
+        for (KV* kv = m_buckets[Reduce(hash, m_bucketCount)]; kv; kv = kv->next)
+            if (SameText(static_cast<const wchar_t*>(KV_GetKey(kv)), probe, length)) return kv;
+        return nullptr;
+    }
+    for (KV* kv = m_buckets[Reduce(m_hash(key), m_bucketCount)]; kv; kv = kv->next)
         if (m_equals(KV_GetKey(kv), key)) return kv;
     return nullptr;
 }
@@ -297,20 +318,27 @@ namespace {
 // in two interleaved lanes so the multiplications overlap; the high bits are
 // folded in and the prime bucket count does the rest. (A plain sum of code
 // units gives identifier-like keys a few hundred distinct values, and the
-// chains grow with the square of the count.)
-unsigned int TextMapHash(void* key) {
+// chains grow with the square of the count.) The key's length comes out too,
+// for the compares along its chain.
+inline unsigned int HashAndLength(const wchar_t* s, int* length) {
     const unsigned int kOdd = 0x01000193u, kSquare = kOdd * kOdd;
-    auto* s = static_cast<const wchar_t*>(key);
+    const wchar_t* start = s;
     unsigned int even = 0x811C9DC5u, odd = 0x9E3779B9u;
     if (s) {
         for (; s[0] && s[1]; s += 2) {
             even = (even + static_cast<unsigned int>(s[0])) * kSquare;
             odd = (odd + static_cast<unsigned int>(s[1])) * kSquare;
         }
-        if (s[0]) even = (even + static_cast<unsigned int>(s[0])) * kOdd;
+        if (s[0]) even = (even + static_cast<unsigned int>(*s++)) * kOdd;
     }
+    *length = static_cast<int>(s - start);
     unsigned int hash = even ^ (odd * kOdd);
     return hash ^ (hash >> 15);
+}
+
+unsigned int TextMapHash(void* key) {
+    int length;
+    return HashAndLength(static_cast<const wchar_t*>(key), &length);
 }
 
 // Case-sensitive, a null text counting as the empty one.
@@ -325,6 +353,19 @@ int TextMapEquals(void* a, void* b) {
         if (x[1] != y[1]) return 0;
         if (!x[1]) return 1;
     }
+}
+
+// Whether a stored key equals a probe of known length. The probe's units
+// before its end are not zero, so the stored key is never read past its own.
+inline bool SameText(const wchar_t* stored, const wchar_t* probe, int length) {
+    if (stored == probe) return true;
+    if (!stored || !probe) return TextMapEquals(const_cast<wchar_t*>(stored), const_cast<wchar_t*>(probe));
+    int i = 0;
+    for (; i < length; i += 2) {  // stored[i + 1] is read only once stored[i] matched a unit that is not zero
+        if (stored[i] != probe[i]) return false;
+        if (stored[i + 1] != probe[i + 1]) return false;
+    }
+    return i > length || stored[i] == 0;
 }
 }  // namespace
 

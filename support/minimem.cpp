@@ -56,19 +56,29 @@ void CopyOrZero(unsigned char* dst, const void* src, int n) {
         std::memset(dst, 0, n);
 }
 
-// The capacity a buffer shows grows by its granule; the block beneath grows
-// by half again, so a buffer filled a little at a time is moved a
-// logarithmic number of times instead of once per granule.
-int Reserve(int capacity) {
-    long long reserve = capacity + std::min(capacity / 2, 64 << 20);
-    return reserve > INT_MAX ? capacity : static_cast<int>(reserve);
+// The capacity a buffer shows grows by its granule; the block beneath holds
+// at least BlockFor(capacity) bytes, which steps by half again (2^k and
+// 1.5 * 2^k; past 128 MiB, by 64 MiB). So a buffer filled a little at a time
+// is moved a logarithmic number of times, and whether a granule step fits in
+// the block follows from the capacity alone. Every value it gives maps to
+// itself, so a capacity raised within a block keeps the block large enough.
+int BlockFor(int capacity) {
+    const int kLarge = 128 << 20, kStep = 64 << 20;
+    if (capacity <= 32) return 32;
+    if (capacity > kLarge) {
+        long long block = (static_cast<long long>(capacity) + kStep - 1) / kStep * kStep;
+        return block > INT_MAX ? capacity : static_cast<int>(block);
+    }
+    unsigned below = 1u << (31 - __builtin_clz(static_cast<unsigned>(capacity - 1)));  // below < capacity <= 2 below
+    unsigned block = capacity <= static_cast<int>(below + below / 2) ? below + below / 2 : 2 * below;
+    return static_cast<int>(block);
 }
 
-// The rounded capacity for n bytes when the block beneath holds it without
-// moving; 0 otherwise.
-int CapacityInPlace(unsigned char* data, int n, int granule) {
-    int capacity = RoundedCapacity(n, granule);
-    return capacity && size_t(capacity) <= zel::UsableSize(data) ? capacity : 0;
+// The rounded capacity for n bytes when the block beneath a buffer of
+// `capacity` holds it without moving; 0 otherwise.
+int CapacityInPlace(int capacity, int n, int granule) {
+    int rounded = RoundedCapacity(n, granule);
+    return rounded && rounded <= BlockFor(capacity) ? rounded : 0;
 }
 
 class FileCloser {
@@ -98,7 +108,7 @@ unsigned char* CMiniMem::Alloc(int n) {
     if (m_data) return Realloc(n);
     if (n <= 0) return nullptr;  // a negative size allocates nothing, like 0
     int capacity = RoundedCapacity(n, GetMemAlignSize());
-    if (capacity) m_data = static_cast<unsigned char*>(zel_malloc(capacity));
+    if (capacity) m_data = static_cast<unsigned char*>(zel_malloc(BlockFor(capacity)));
     if (m_data) {
         m_capacity = capacity;
         m_size = n;
@@ -122,7 +132,7 @@ unsigned char* CMiniMem::Realloc(int n) {
         return m_data;
     }
     if (n > m_capacity) {
-        if (int capacity = CapacityInPlace(m_data, n, granule)) {
+        if (int capacity = CapacityInPlace(m_capacity, n, granule)) {
             m_capacity = capacity;
             m_size = n;
             return m_data;
@@ -130,7 +140,7 @@ unsigned char* CMiniMem::Realloc(int n) {
     }
     int capacity = RoundedCapacity(n, granule);
     if (!capacity) return nullptr;
-    auto* data = static_cast<unsigned char*>(zel_realloc(m_data, capacity > m_capacity ? Reserve(capacity) : capacity));
+    auto* data = static_cast<unsigned char*>(zel_realloc(m_data, BlockFor(capacity)));
     if (!data) return nullptr;
     m_data = data;
     m_capacity = capacity;
@@ -161,17 +171,23 @@ void CMiniMem::xchg(CMiniMem& other) {
     std::swap(m_size, other.m_size);
 }
 
+bool CMiniMem::RaiseCapacity(int width) {
+    if (!m_data || width < 0 || width > INT_MAX - m_size) return false;
+    int capacity = CapacityInPlace(m_capacity, m_size + width, GetMemAlignSize());
+    if (!capacity) return false;
+    m_capacity = capacity;
+    return true;
+}
+
 int CMiniMem::Append(void* src, int n) {
     if (n == 0) return 1;
     if (n < 0 || n > INT_MAX - m_size) return 0;
     // While the block does not move, even a source inside it stays valid.
-    int capacity = n <= m_capacity - m_size ? m_capacity : CapacityInPlace(m_data, m_size + n, GetMemAlignSize());
-    if (capacity) {
+    if (n <= m_capacity - m_size || RaiseCapacity(n)) {
         if (src)
             std::memmove(m_data + m_size, src, n);
         else
             std::memset(m_data + m_size, 0, n);
-        m_capacity = capacity;
         m_size += n;
         return 1;
     }

@@ -2,7 +2,9 @@
 // relatives that only differ in the granule by which capacity is rounded.
 //
 // Capacity is always rounded to n + A - (n mod A) for granule A, so a buffer
-// holding data always has spare room. Growth is linear by the granule. The
+// holding data always has spare room. Growth is linear by the granule; the
+// block beneath is larger and steps geometrically, and the granule step
+// trusts that, so subclasses change the block only through the methods. The
 // block comes from zel_malloc and is released with zel_free, also by whoever
 // takes it with Detach(). Failed allocations leave the buffer as it was.
 #pragma once
@@ -43,7 +45,9 @@ public:
             m_data[m_size] = v;
             return ++m_size;
         }
-        return Append(&v, 1);
+        if (!RaiseCapacity(1)) return Append(&v, 1);
+        m_data[m_size++] = v;
+        return 1;  // as Append
     }
     int AddWord(unsigned short v) { return AddValue(&v, sizeof v); }
     int AddDWord(unsigned int v) { return AddValue(&v, sizeof v); }
@@ -62,6 +66,11 @@ public:
     int WriteIntoELFFile(wchar_t* path, int n);
 
 protected:
+    // The granule step: when the block beneath already holds `width` more
+    // bytes, only the capacity rises (by the granule rule) and it is true;
+    // otherwise nothing changes. Cheap: no allocator call, no copy.
+    __attribute__((visibility("hidden"))) bool RaiseCapacity(int width);
+
     unsigned char* m_data;
     int m_capacity;
     int m_size;
@@ -73,7 +82,10 @@ private:
             std::memcpy(m_data + m_size, v, width);
             return m_size += width;
         }
-        return Append(const_cast<void*>(v), width);
+        if (!RaiseCapacity(width)) return Append(const_cast<void*>(v), width);
+        std::memcpy(m_data + m_size, v, width);
+        m_size += width;
+        return 1;  // as Append
     }
 };
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cwchar>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -48,6 +50,29 @@ TEST(TextMap, TextsCompareByContentAndNullIsEmpty) {
     EXPECT_EQ(map.GetCount(), 2);
     EXPECT_FALSE(map.IsExist(const_cast<wchar_t*>(L"键键")));
     EXPECT_EQ(hashkv_GetTextHashValue(const_cast<wchar_t*>(L"ab")), unsigned(L'a' + L'b'));  // the sum stays
+}
+
+// Long chains of keys of every length, each in a block of exactly its size
+// (the sanitizers see any read past a key's end): every key is found by an
+// equal copy, and a prefix or an extension only when it is stored itself.
+TEST(TextMap, ChainsOfMixedLengthsCompareWithinEachKey) {
+    std::vector<std::unique_ptr<wchar_t[]>> keys;
+    std::set<std::wstring> texts;
+    CText2PtrHashmap map(1);  // few buckets: long chains
+    for (int i = 0; i < 3000; ++i) {
+        std::wstring text = std::to_wstring(i * 7919 % 100003).substr(0, 1 + i % 6);
+        if (!texts.insert(text).second) continue;
+        keys.push_back(std::make_unique<wchar_t[]>(text.size() + 1));
+        std::wmemcpy(keys.back().get(), text.c_str(), text.size() + 1);
+        ASSERT_EQ(map.Set(keys.back().get(), keys.back().get()), 1);
+    }
+    for (auto& key : keys) {
+        std::wstring copy = key.get();
+        void* value = nullptr;
+        EXPECT_TRUE(map.Get(copy.data(), &value) && value == key.get()) << copy;
+        for (std::wstring other : {copy + L"9", copy.substr(0, copy.size() - 1), copy.substr(1)})
+            EXPECT_EQ(map.IsExist(other.data()) != 0, texts.count(other) == 1) << other;
+    }
 }
 
 }  // namespace
