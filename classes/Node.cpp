@@ -36,20 +36,13 @@ private:
     ZelObject* m_obj;
 };
 
-// The object's own class: the last entry of its class chain.
-tagTBaseTypeInfo* OwnClass(ZelObject* obj) {
-    int* chain = obj->classChain;
-    if (!chain || chain[0] < 1) return nullptr;
-    return reinterpret_cast<tagTBaseTypeInfo*>(static_cast<intptr_t>(chain[1 + 2 * (chain[0] - 1)]));
-}
-
 void* FirstMethod(ZelObject* obj) {
-    tagTBaseTypeInfo* cls = OwnClass(obj);
+    tagTBaseTypeInfo* cls = ZelOwnClass(obj);
     return cls && cls->methodCount > 0 && cls->methods ? cls->methods[0].function : nullptr;
 }
 
 void* MethodNamed(ZelObject* obj, const wchar_t* name, bool getter) {
-    tagTBaseTypeInfo* cls = OwnClass(obj);
+    tagTBaseTypeInfo* cls = ZelOwnClass(obj);
     if (!cls || !cls->methods) return nullptr;
     for (int i = 0; i < cls->methodCount; ++i) {
         tagMethodItem* item = &cls->methods[i];

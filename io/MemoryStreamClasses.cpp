@@ -10,7 +10,7 @@
 // The stream is the hidden word of the class's own level (level 1, item 0).
 // The slots run once per value, so they read it in place, without a call.
 static inline CMemoryStream* StreamOf(ZelObject* obj) {
-    return obj ? static_cast<CMemoryStream*>(static_cast<void**>(ZelObjectWords(obj)[2 + 1])[0]) : nullptr;
+    return obj ? static_cast<CMemoryStream*>(ZelLevelBlock(obj, 1)[0]) : nullptr;
 }
 
 ZEL_EXPORT CMemoryStream* _MemoryStream_GetData(ZelObject* obj) { return StreamOf(obj); }

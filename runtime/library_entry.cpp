@@ -11,13 +11,6 @@ ZelObject* g_pRuntimeObject = nullptr;
 tagTBaseTypeInfo* g_pRuntimeClassInfo = nullptr;
 tagTBaseTypeInfo* g_pGCClassInfo = nullptr;
 
-namespace {
-// The class record of the last entry of an object's class chain.
-tagTBaseTypeInfo* OwnClass(ZelObject* obj) {
-    int* chain = obj->classChain;
-    return reinterpret_cast<tagTBaseTypeInfo*>(chain[1 + 2 * (chain[0] - 1)]);
-}
-}  // namespace
 
 namespace zel {
 
@@ -28,7 +21,7 @@ int NotifyLibrary(ZelLibInfo* lib, NOTIFY_LIB_CODE code, unsigned int p1, unsign
     if (code != NOTIFY_LIB_RUNTIME) return -1;
     auto* runtime = reinterpret_cast<ZelObject*>(p1);
     g_pRuntimeObject = runtime;
-    g_pRuntimeClassInfo = runtime ? OwnClass(runtime) : nullptr;
+    g_pRuntimeClassInfo = ZelOwnClass(runtime);
     // No runtime class: no runtime services, the memory manager's included.
     g_pGCClassInfo = nullptr;
     if (!g_pRuntimeClassInfo) return 0;
@@ -46,10 +39,8 @@ int NotifyLibrary(ZelLibInfo* lib, NOTIFY_LIB_CODE code, unsigned int p1, unsign
 namespace {
 template <typename Visit>
 void WalkChainFromOwnClass(ZelObject* obj, Visit visit) {
-    int* chain = obj->classChain;
-    for (int i = chain[0] - 1; i >= 0; --i) {
-        auto* record = reinterpret_cast<tagTBaseTypeInfo*>(chain[1 + 2 * i]);
-        if (record) visit(record);
+    for (int i = obj->classChain[0] - 1; i >= 0; --i) {
+        if (tagTBaseTypeInfo* record = ZelChainClass(obj, i)) visit(record);
     }
 }
 }  // namespace

@@ -46,31 +46,21 @@ SysLibLoader::~SysLibLoader() {
 
 ZelObject* SysLibLoader::GetRuntimeObject() { return m_runtime; }
 
-static tagTBaseTypeInfo* ClassAtLevel(ZelObject* obj, int level) {
-    int* chain = obj->classChain;
-    if (level < 0 || level >= chain[0]) return nullptr;
-    return reinterpret_cast<tagTBaseTypeInfo*>(chain[1 + 2 * level]);
-}
-
-static tagTBaseTypeInfo* OwnClass(ZelObject* obj) {
-    return obj && obj->classChain ? ClassAtLevel(obj, obj->classChain[0] - 1) : nullptr;
-}
-
 ZelLibInfo* SysLibLoader::GetLibInfo() {
-    tagTBaseTypeInfo* cls = m_runtime ? OwnClass(m_runtime) : nullptr;
+    tagTBaseTypeInfo* cls = ZelOwnClass(m_runtime);
     return cls ? static_cast<ZelLibInfo*>(cls->library) : nullptr;
 }
 
 // A null object (or one without a chain) has no class name.
 wchar_t* MGetClassName(ZelObject* obj) {
-    tagTBaseTypeInfo* cls = OwnClass(obj);
+    tagTBaseTypeInfo* cls = ZelOwnClass(obj);
     return cls ? cls->name : nullptr;
 }
 
 void MCallClassDefaultConstructor(ZelObject* obj, int level) {
     if (!obj || level < 0) return;
     for (int l = level; l >= 0; --l) {
-        tagTBaseTypeInfo* cls = ClassAtLevel(obj, l);
+        tagTBaseTypeInfo* cls = ZelChainClass(obj, l);
         if (!cls || !cls->methods) continue;
         for (int i = 0; i < cls->methodCount; ++i) {
             tagMethodItem& m = cls->methods[i];

@@ -8,9 +8,8 @@ namespace zel {
 
 void* InterfaceSlot(ZelObject* obj, const wchar_t* interfaceName, int slot) {
     if (!obj || !obj->classChain || slot < 1) return nullptr;
-    int* chain = obj->classChain;
-    for (int level = chain[0] - 1; level >= 0; --level) {
-        auto* cls = reinterpret_cast<tagTBaseTypeInfo*>(chain[1 + 2 * level]);
+    for (int level = obj->classChain[0] - 1; level >= 0; --level) {
+        tagTBaseTypeInfo* cls = ZelChainClass(obj, level);
         if (!cls || cls->kind != ZEL_KIND_CLASS) continue;
         for (int i = 0; i < cls->interfaceCount; ++i) {
             tagInterfaceEntry& entry = cls->interfaces[i];
@@ -50,7 +49,7 @@ __attribute__((noinline)) void* SearchSlot(ZelObject* stream, unsigned seen) {
     // Only one writer at a time; a busy memo is simply not updated.
     if (!(seen & 1) && memo.sequence.compare_exchange_strong(seen, seen + 1, std::memory_order_acquire)) {
         memo.chain.store(chain, std::memory_order_relaxed);
-        memo.ownClass.store(reinterpret_cast<const void*>(chain[1 + 2 * (chain[0] - 1)]), std::memory_order_relaxed);
+        memo.ownClass.store(ZelOwnClass(stream), std::memory_order_relaxed);
         memo.function.store(function, std::memory_order_relaxed);
         memo.sequence.store(seen + 2, std::memory_order_release);
     }
@@ -63,7 +62,7 @@ void* CachedSlot(ZelObject* stream) {
     unsigned seen = memo.sequence.load(std::memory_order_acquire);
     const int* chain = stream ? stream->classChain : nullptr;
     if (chain && chain[0] >= 1 && memo.chain.load(std::memory_order_relaxed) == chain &&
-        memo.ownClass.load(std::memory_order_relaxed) == reinterpret_cast<const void*>(chain[1 + 2 * (chain[0] - 1)])) {
+        memo.ownClass.load(std::memory_order_relaxed) == ZelOwnClass(stream)) {
         void* function = memo.function.load(std::memory_order_relaxed);
         std::atomic_thread_fence(std::memory_order_acquire);
         // An odd count never matches: a writer was at work.

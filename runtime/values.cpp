@@ -12,22 +12,18 @@ wchar_t* zelFalseLiteral = const_cast<wchar_t*>(L"假");
 
 // ---- object data -----------------------------------------------------------
 
-static void** LevelBlock(ZelObject* obj, int level) {
-    return static_cast<void**>(ZelObjectWords(obj)[2 + level]);
-}
+void* GetDataItemData(ZelObject* obj, int level, int index) { return ZelLevelBlock(obj, level)[index]; }
 
-void* GetDataItemData(ZelObject* obj, int level, int index) { return LevelBlock(obj, level)[index]; }
-
-void SetDataItemData(ZelObject* obj, int level, int index, void* value) { LevelBlock(obj, level)[index] = value; }
+void SetDataItemData(ZelObject* obj, int level, int index, void* value) { ZelLevelBlock(obj, level)[index] = value; }
 
 double GetDoubleDataItem(ZelObject* obj, int level, int index) {
     double value;
-    std::memcpy(&value, LevelBlock(obj, level) + index, sizeof value);
+    std::memcpy(&value, ZelLevelBlock(obj, level) + index, sizeof value);
     return value;
 }
 
 void SetDoubleDataItem(ZelObject* obj, int level, int index, double value) {
-    std::memcpy(LevelBlock(obj, level) + index, &value, sizeof value);
+    std::memcpy(ZelLevelBlock(obj, level) + index, &value, sizeof value);
 }
 
 int GetIntByIndex(void* p, int i) { return static_cast<int*>(p)[i]; }

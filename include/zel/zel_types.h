@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cwchar>
 
 #define ZEL_API __attribute__((visibility("default")))
@@ -213,3 +214,16 @@ static_assert(offsetof(ZelLibInfo, texts68) == 68);
 
 // Word view of an object: word 1 the class chain, word 2 + level a data block.
 inline void** ZelObjectWords(ZelObject* obj) { return reinterpret_cast<void**>(obj); }
+// The class record at one level of the object's class chain (0 = the root);
+// null past either end or without a chain.
+inline tagTBaseTypeInfo* ZelChainClass(ZelObject* obj, int level) {
+    const int* chain = obj ? obj->classChain : nullptr;
+    if (!chain || level < 0 || level >= chain[0]) return nullptr;
+    return reinterpret_cast<tagTBaseTypeInfo*>(static_cast<intptr_t>(chain[1 + 2 * level]));
+}
+// The class the object was made of: the last level of its chain.
+inline tagTBaseTypeInfo* ZelOwnClass(ZelObject* obj) {
+    return obj && obj->classChain ? ZelChainClass(obj, obj->classChain[0] - 1) : nullptr;
+}
+// The data block of one level of the object's class chain.
+inline void** ZelLevelBlock(ZelObject* obj, int level) { return static_cast<void**>(ZelObjectWords(obj)[2 + level]); }
