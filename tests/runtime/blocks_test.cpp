@@ -1,5 +1,5 @@
-// Blocks near constants, blocks the system cannot give, and clones of null,
-// empty or unconvertible input.
+// Blocks near constants, blocks the system cannot give, and variables that
+// store runtime values.
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
@@ -146,35 +146,6 @@ TEST(Blocks, ExhaustedMemoryIsReportedAndNothingIsLost) {
     EXPECT_EQ(r.status, 0);
 }
 
-TEST(Clones, NullEmptyAndUnconvertibleInput) {
-    EXPECT_EQ(MCloneText(static_cast<wchar_t*>(nullptr), 3), zel::EmptyString());
-    EXPECT_EQ(MCloneText(const_cast<char*>("")), zel::EmptyString());
-    EXPECT_EQ(MCloneText(const_cast<char*>("ok\xff\xfe")), zel::EmptyString());  // not UTF-8
-    EXPECT_EQ(MCloneZelText(static_cast<wchar_t*>(nullptr), 2), zel::EmptyText());
-    EXPECT_EQ(MCloneZelText(static_cast<wchar_t*>(nullptr)), zel::EmptyText());
-    EXPECT_EQ(MCloneZelText(const_cast<char*>("\xc3")), zel::EmptyText());
-    EXPECT_EQ(MCloneZelTextToString(nullptr), zel::EmptyString());
-    EXPECT_EQ(MCloneZelBin(static_cast<unsigned char*>(nullptr)), zel::EmptyBin());
-
-    CMiniMem buffer;
-    EXPECT_STREQ(GetMBSText(nullptr, buffer), "");
-    EXPECT_EQ(buffer.GetData(), nullptr);
-    wchar_t lone[] = {L'a', wchar_t(0xD800), L'b', 0};  // a lone surrogate has no UTF-8 form
-    EXPECT_STREQ(GetMBSText(lone, buffer), "");
-}
-
-TEST(Clones, ArrayOfNoElementsKeepsItsHeader) {
-    int empty[3] = {5, 1, 0};
-    for (DATATYPE_TYPE type : {DATATYPE_INT_ARRAY, DATATYPE_TEXT_ARRAY}) {
-        int* copy = MCloneArray(empty, type);
-        ASSERT_NE(copy, reinterpret_cast<int*>(zel::EmptyBin()));
-        EXPECT_EQ(copy[0], 0);
-        EXPECT_EQ(copy[1], 1);
-        EXPECT_EQ(copy[2], 0);
-        zel_free(copy);
-    }
-}
-
 TEST(Variables, StoringReleasesTheOldValueAndSharesTheNew) {
     CountingRuntime runtime;
     unsigned char* text = nullptr;
@@ -184,6 +155,9 @@ TEST(Variables, StoringReleasesTheOldValueAndSharesTheNew) {
     EXPECT_EQ(text, second);
     EXPECT_EQ(runtime.LiveValues(), 1);  // the first text was released
 
+    unsigned char* none = nullptr;
+    SetCloneIntoTextVar(&none, nullptr);
+    EXPECT_EQ(none, zel::EmptyText());
     unsigned char* bin = nullptr;
     SetCloneIntoBinVar(&bin, nullptr);
     EXPECT_EQ(bin, zel::EmptyBin());
@@ -198,6 +172,13 @@ TEST(Variables, StoringReleasesTheOldValueAndSharesTheNew) {
     SetCloneIntoArrayVar(&array, nullptr);
     EXPECT_EQ(array, reinterpret_cast<int*>(zel::EmptyBin()));
     EXPECT_EQ(runtime.LiveValues(), 2);
+
+    ZelObject* object = nullptr;
+    ZelObject other{&other, nullptr, nullptr};
+    SetCloneIntoObjectVar(&object, &other);
+    EXPECT_TRUE(object == &other && runtime.Net(&other) == 1);
+    SetCloneIntoObjectVar(&object, nullptr);
+    EXPECT_TRUE(object == nullptr && runtime.Net(&other) == 0);
 
     ZelDataWrapper holder;  // empty: taking a handle releases nothing
     holder.Atach(text);

@@ -34,12 +34,4 @@ TEST(LibraryMacro, VersionWrittenAsMajorDotMinor) {
     EXPECT_STREQ(ZEL_VERSION_STRING, "1.0.0");
 }
 
-TEST(LibraryMacro, LibraryRecordCarriesNameDescriptionVersion) {
-    ZelLibInfo lib = zel::LibraryRecord(L"示例", L"说明", 2.5);
-    EXPECT_STREQ(lib.name, L"示例");
-    EXPECT_STREQ(lib.description, L"说明");
-    EXPECT_EQ(lib.version, 2.5);
-    EXPECT_EQ(lib.nameHash, 0u);  // filled at load
-}
-
 }  // namespace
