@@ -26,7 +26,7 @@ void Size_Init(ZelObject*), Size_Free(ZelObject*), Size_FromText(ZelObject*, uns
 int Size_IsEmpty(ZelObject*), Size_Equals(ZelObject*, ZelObject*);
 void Point_Init(ZelObject*), Point_Free(ZelObject*), Point_Set(ZelObject*, int, int);
 int Point_Serialize(ZelObject*, ZelObject*), Point_Unserialize(ZelObject*, ZelObject*);
-void Rect_Init(ZelObject*), Rect_Free(ZelObject*), Rect_Set(ZelObject*, int, int, int, int);
+void Rect_Init(ZelObject*), Rect_Free(ZelObject*), Rect_Set(ZelObject*, int, int, int, int), Rect_FromText(ZelObject*, unsigned char*);
 void Rect_Union(ZelObject*, ZelObject*), Rect_Intersect(ZelObject*, ZelObject*);
 void* Rect_Clone(ZelObject*);
 int Rect_GetWidth(ZelObject*), Rect_GetCenterX(ZelObject*), Rect_IsEmpty(ZelObject*), Rect_Equals(ZelObject*, ZelObject*);
@@ -84,7 +84,9 @@ TEST(Values, WithoutTheirStateOrAnOtherObjectEveryMethodIsNeutral) {
     EXPECT_FALSE(Size_Equals(size, nullptr));
     Point_Set(point, 1, 2);
     // A point is no stream: nothing is read or written.
-    EXPECT_EQ(Point_Serialize(point, point) + Point_Unserialize(point, point) + Point_Unserialize(point, nullptr), 0);
+    EXPECT_EQ(Point_Serialize(point, point) + Point_Serialize(point, nullptr) + Point_Unserialize(point, point) +
+                  Point_Unserialize(point, nullptr),
+              0);
     EXPECT_EQ(_Point_GetData(point)->y, 2);
     Rect r(0, 0, 2, 2), reversed(5, 5, 1, 1);
     Rect_Union(r, nullptr);
@@ -110,6 +112,22 @@ TEST(Values, RectanglesAtTheEdgesOfTheIntegersAndTheirClones) {
     EXPECT_TRUE(b.Is(1, 2, 3, 4));
     copy->left = 0;
     EXPECT_TRUE(a.Is(1, 2, 3, 4));
+}
+
+// Items past the fields are ignored; one differing field decides.
+TEST(Values, SizesAndRectanglesFromText) {
+    TestObject a(&g_info_Size, Size_Init, Size_Free), b(&g_info_Size, Size_Init, Size_Free);
+    Size_FromText(a, Text(L"3, 4"));
+    Size_FromText(b, Text(L"3, 5"));
+    EXPECT_FALSE(Size_Equals(a, b));
+    Size_FromText(b, Text(L"3, 4, 99"));
+    EXPECT_TRUE(Size_Equals(a, b));
+    TestObject bareSize(&g_info_Size), bare(&g_info_Rect);  // no state
+    EXPECT_FALSE(Size_Equals(a, bareSize));
+    Rect rect;
+    Rect_FromText(rect, Text(L"1, 2, 3, 4, 5"));
+    EXPECT_TRUE(rect.Is(1, 2, 3, 4));
+    EXPECT_FALSE(Rect_Equals(rect, bare));
 }
 
 TEST(Values, FontTextsNeverOverrunAndTemporariesGoBack) {
