@@ -13,9 +13,8 @@
 
 namespace {
 
-class FileClassTest : public ::testing::Test {
+class FileClassTest : public TempDirTest {
 protected:
-    TempDir dir;
     // A runtime text holding the path of `name` in the temporary directory.
     Owned PathText(const std::string& name) { return Owned(zel::NewText(dir.WPath(name).c_str())); }
 };
@@ -75,27 +74,6 @@ TEST_F(FileClassTest, MethodsHoldNoDescriptorAfterwards) {
         BinaryFile_GetFileType(bin, bad.h);
     }
     EXPECT_EQ(OpenDescriptors(), before);
-}
-
-TEST(MemoryFile, CloneCopiesBytesAndPosition) {
-    TestObject file(&g_info_MemoryFile, MemoryFile_Init, MemoryFile_Free);
-    Owned abc(MakeBin("abc")), xy(MakeBin("XY"));
-    MemoryFile_Write(file, abc.h);
-    MemoryFile_SeekFromBegin(file, 1);
-    TestObject clone(&g_info_MemoryFile, nullptr, MemoryFile_Free);
-    clone.word(1, 0) = MemoryFile_Clone(file);
-    MemoryFile_Write(file, xy.h);
-    EXPECT_EQ(MemoryFile_GetPosition(clone), 1);
-    EXPECT_EQ(Owned(MemoryFile_GetBytes(clone)).bytes() + Owned(MemoryFile_GetBytes(file)).bytes(), "abcaXY");
-}
-
-TEST(MemoryFile, MissingStateGivesNeutralResults) {
-    TestObject file(&g_info_MemoryFile);
-    int success = 0;
-    EXPECT_TRUE(MemoryFile_Read(file, 3, &success) == zel::EmptyBin() && success == 1);
-    EXPECT_TRUE(MemoryFile_GetLength(file) == -1 && MemoryFile_GetBytes(file) == zel::EmptyBin());
-    MemoryFile_Free(file);
-    EXPECT_EQ(MemoryFile_GetPosition(file), -1);
 }
 
 }  // namespace

@@ -9,13 +9,8 @@
 
 namespace {
 
-class FileTest : public ::testing::Test {
+class FileTest : public TempDirTest {
 protected:
-    TempDir dir;
-    std::wstring Make(const std::string& name, const std::string& bytes) {
-        WriteFileBytes(dir.Path(name), bytes);
-        return dir.WPath(name);
-    }
     static long BytePosition(const CFile& f) { return std::ftell(f.GetStream()); }
 };
 

@@ -141,15 +141,13 @@ TEST(Utf8Legality, StopsInsideLongAsciiRuns) {
     }
 }
 
-class FileTypeTest : public ::testing::Test {
+class FileTypeTest : public TempDirTest {
 protected:
     ~FileTypeTest() override { zel::SetFileTypeChunkSize(0); }
     int TypeOf(const std::string& bytes) {
-        WriteFileBytes(dir.Path("f"), bytes);
-        Owned path(zel::NewText(dir.WPath("f").c_str()));
+        Owned path(zel::NewText(Make("f", bytes).c_str()));
         return BinaryFile_GetFileType(bin, path.h);
     }
-    TempDir dir;
     TestObject bin{&g_info_BinaryFile, BinaryFile_Init, BinaryFile_Free};
 };
 

@@ -16,13 +16,8 @@
 
 namespace {
 
-class FileFailures : public ::testing::Test {
+class FileFailures : public TempDirTest {
 protected:
-    TempDir dir;
-    std::wstring Make(const std::string& name, const std::string& bytes) {
-        WriteFileBytes(dir.Path(name), bytes);
-        return dir.WPath(name);
-    }
     std::wstring MakeDir(const std::string& name) {
         std::filesystem::create_directory(dir.Path(name));
         return dir.WPath(name);
