@@ -1,5 +1,5 @@
 // The memory file and stream classes without an object, with nothing to
-// read or write, and a clone whose bytes cannot be copied.
+// read or write, and a clone (bytes and position) whose bytes cannot be copied.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -33,6 +33,7 @@ TEST(MemoryFileEdges, CloneIsWholeOrNothing) {
     TestObject file(&g_info_MemoryFile, MemoryFile_Init, MemoryFile_Free);
     Owned abc(MakeBin("abc"));
     MemoryFile_Write(file, abc.h);
+    MemoryFile_SeekFromBegin(file, 1);
     int refused = 0;
     for (int failing = 1; failing <= 3; ++failing) {
         zel::FailAllocationAfter(failing);
@@ -45,6 +46,7 @@ TEST(MemoryFileEdges, CloneIsWholeOrNothing) {
         TestObject copy(&g_info_MemoryFile);
         copy.word(1, 0) = state;  // as the runtime installs the clone's state
         EXPECT_EQ(Owned(MemoryFile_GetBytes(copy)).bytes(), "abc") << failing;
+        EXPECT_EQ(MemoryFile_GetPosition(copy), 1) << failing;
         MemoryFile_Free(copy);
     }
     EXPECT_GE(refused, 1);
