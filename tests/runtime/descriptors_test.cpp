@@ -7,6 +7,7 @@
 #include "runtime/chained_object.h"
 #include <zel/class_table.h>
 #include <zel/errors.h>
+#include <zel/library.h>
 #include <zel/loader.h>
 #include <zel/registry.h>
 #include <zel/services.h>
@@ -124,4 +125,31 @@ TEST(LibraryRecord, ConstantChainsOfOtherLibraries) {
         EXPECT_GT(runtime.locks, 0);
     }
     EXPECT_FALSE(IsConstData(&other[3]));  // without a runtime only our own block counts
+}
+
+// The record ZEL_LIBRARY makes: every word of the 88 bytes, and its version.
+TEST(LibraryRecord, EveryWordOfTools) {
+    const ZelLibInfo& lib = g_zellib_info;
+    EXPECT_EQ(lib.flags, 0u);
+    EXPECT_STREQ(lib.text, L"");
+    EXPECT_EQ(lib.fixed20, 1);
+    EXPECT_EQ(lib.fixed24, 0);
+    EXPECT_EQ(lib.fixed28, 7);
+    EXPECT_EQ(lib.version, 1.0);
+    EXPECT_EQ(lib.fixed40, 1);
+    for (wchar_t* t : lib.texts44) EXPECT_STREQ(t, L"");
+    for (wchar_t* t : lib.texts68) EXPECT_STREQ(t, L"");
+    EXPECT_EQ(lib.reserved64, 0);
+    for (int w : lib.reserved76) EXPECT_EQ(w, 0);
+    EXPECT_EQ(lib.enumClasses, &zel::EnumClassRecords);
+    EXPECT_EQ(lib.findClass, &zel::FindClassRecord);
+}
+
+TEST(LibraryRecord, VersionWrittenAsMajorDotMinor) {
+    static_assert(zel::RecordVersion(1, 0) == 1.0);
+    EXPECT_DOUBLE_EQ(zel::RecordVersion(1, 5), 1.5);
+    EXPECT_DOUBLE_EQ(zel::RecordVersion(1, 12), 1.12);
+    EXPECT_DOUBLE_EQ(zel::RecordVersion(2, 10), 2.1);
+    EXPECT_EQ(ZEL_VERSION_NUMBER, zel::RecordVersion(ZEL_VERSION_MAJOR, ZEL_VERSION_MINOR));
+    EXPECT_STREQ(ZEL_VERSION_STRING, "1.0.0");
 }
