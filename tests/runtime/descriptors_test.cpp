@@ -34,15 +34,6 @@ tagTBaseTypeInfo g_noElements = ClassRecord(L"测试.乙", L"", kStatics, nullpt
 void Collect(tagMethodItem* m, void* out) { static_cast<std::vector<tagMethodItem*>*>(out)->push_back(m); }
 }  // namespace
 
-TEST(Descriptors, PreparedRecordsCarryTheirHashes) {
-    PrepareClassRecord(&g_testClass);
-    EXPECT_EQ(g_testClass.nameHash, GetTextHash(L"测试.甲"));
-    EXPECT_EQ(g_testClass.baseNameHash, GetTextHash(L"系统.对象"));
-    EXPECT_EQ(g_testClass.methods[0].returnTypeHash, GetTextHash(L"_i"));
-    EXPECT_EQ(g_testClass.methods[1].params[0].typeHash, GetTextHash(L"_i"));
-    EXPECT_EQ(g_testClass.elements[0].typeHash, GetTextHash(L"_i"));
-}
-
 TEST(Descriptors, EnumerationSkipsClassesWithoutElementTable) {
     ChainedObject withElements({nullptr, &g_testClass});  // a level without a record is passed over
     std::vector<tagMethodItem*> seen;
@@ -110,21 +101,6 @@ TEST(LibraryRecord, HandOverStepsAndOtherCodes) {
     EXPECT_EQ(MReportError(const_cast<wchar_t*>(L"工具"), -3, const_cast<wchar_t*>(L"坏")), 7);
     EXPECT_EQ(runtime.lastReport, L"工具|坏");
     EXPECT_EQ(runtime.lastCode, -3);
-}
-
-TEST(LibraryRecord, ConstantChainsOfOtherLibraries) {
-    int other[4] = {16, 0, 0, 0};
-    int third[3] = {12, 0, 0};
-    {
-        CountingRuntime runtime;
-        g_EmptyConst.next = other;
-        g_EmptyConst.next2 = third;
-        EXPECT_TRUE(IsConstData(&other[3]));
-        EXPECT_TRUE(IsConstData(&third[2]));
-        EXPECT_FALSE(IsConstData(&other[4]));
-        EXPECT_GT(runtime.locks, 0);
-    }
-    EXPECT_FALSE(IsConstData(&other[3]));  // without a runtime only our own block counts
 }
 
 // The record ZEL_LIBRARY makes: every word of the 88 bytes, and its version.
