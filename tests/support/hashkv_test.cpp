@@ -74,30 +74,6 @@ TEST(HashKV, EqualityArgumentOrders) {
     EXPECT_EQ(g_equalityCalls, (std::vector<std::pair<void*, void*>>{{stored, searched}, {searched, stored}}));
 }
 
-TEST(HashKV, PoolBlocksOfOneHundredCellsAndReuse) {
-    CPtr2PtrHashmap map;
-    for (int i = 1; i <= 99; ++i) map.Set(P(i), P(i));
-    zel::FailAllocationAfter(1);
-    EXPECT_EQ(map.Set(P(100), P(100)), 1);  // the 100th cell needs no allocation
-    EXPECT_EQ(map.Set(P(101), P(101)), 0);  // the 101st starts a second block: refused
-    zel::FailAllocationAfter(0);
-    EXPECT_EQ(Keys(map).size(), 100u);
-    EXPECT_TRUE(map.GetCount() == 100 && !map.IsExist(P(101)));
-    EXPECT_EQ(map.Set(P(101), P(101)), 1);
-    HashKV::KV* cell = map.GetKV(P(50));
-    map.Remove(P(50));
-    map.Set(P(500), P(5));
-    EXPECT_EQ(map.GetKV(P(500)), cell);  // the freed cell comes back first
-
-    for (int failing : {1, 2}) {  // the first block itself, then recording it
-        CPtr2PtrHashmap empty;
-        zel::FailAllocationAfter(failing);
-        EXPECT_EQ(empty.Set(P(1), P(1)), 0);
-        zel::FailAllocationAfter(0);
-        EXPECT_TRUE(Keys(empty).empty() && empty.GetCount() == 0);
-    }
-}
-
 TEST(HashKV, IterationRemoveAllAndInit) {
     CPtr2PtrHashmap map(100);
     std::multiset<int> expected;
