@@ -9,7 +9,7 @@
 #include <zel/zel.h>
 
 extern "C" {
-extern tagTBaseTypeInfo g_info_List, g_info_Map, g_info_String, g_info_Address, g_info_BinClass;
+extern tagTBaseTypeInfo g_info_List, g_info_Map, g_info_String;
 void List_Init(ZelObject*), List_Free(ZelObject*), List_AddItem(ZelObject*, ZelObject*, int);
 void List_InsertItem(ZelObject*, int, ZelObject*);
 int List_GetCount(ZelObject*);
@@ -19,8 +19,6 @@ void String_Init(ZelObject*), String_Free(ZelObject*), String_SetText(ZelObject*
 void String_Append(ZelObject*, unsigned char*), String_Insert(ZelObject*, int, unsigned char*);
 int String_GetLength(ZelObject*), String_Find(ZelObject*, unsigned char*, int);
 unsigned char* String_GetText(ZelObject*);
-void BinClass_Init(ZelObject*), BinClass_Free(ZelObject*);
-unsigned char* BinClass_GetValue(ZelObject*);
 }
 
 namespace {
@@ -120,13 +118,6 @@ TEST(AllocationFailure, AStringPropertyWithoutMemoryIsNotFound) {
         EXPECT_FALSE(GetExtendPropertyValue(L"a=1;b=2", L"b", value));
     }
     EXPECT_TRUE(value == L"before");
-}
-
-TEST(Records, AddressStateIsUnnamedAndAByteSetObjectHasNoneUntilOneIsStored) {
-    ASSERT_EQ(g_info_Address.elementCount, 1);
-    EXPECT_STREQ(g_info_Address.elements[0].name, L"");
-    TestObject bin(&g_info_BinClass, BinClass_Init, BinClass_Free);
-    EXPECT_EQ(BinClass_GetValue(bin), nullptr);
 }
 
 }  // namespace
