@@ -50,14 +50,6 @@ TEST_F(FileClassTest, WritesStayInsideTheBlock) {
     EXPECT_EQ(ReadFileBytes(dir.Path("le")), std::string("\xFF\xFE\1\0\0\0\1\0", 8));
 }
 
-TEST_F(FileClassTest, MissingNativeFileGivesNeutralResults) {
-    TestObject file(&g_info_File, nullptr, nullptr, 2), text(&g_info_TextFile, nullptr, nullptr, 3);
-    int success = 0;
-    EXPECT_TRUE(File_Read(file, 4, &success) == zel::EmptyBin() && success == 1);
-    EXPECT_TRUE(File_Seek(file, nullptr, 0) == -1 && File_GetLength(file) == -1 && TextFile_GetPosition(text) == -1);
-    EXPECT_EQ(File_Open(file, zel::EmptyText(), 1), 0);
-}
-
 TEST_F(FileClassTest, BinaryFileRejectsTypesAndEmptyData) {
     TestObject bin(&g_info_BinaryFile, BinaryFile_Init, BinaryFile_Free);
     Owned path = PathText("none"), abc(MakeBin("abc"));
