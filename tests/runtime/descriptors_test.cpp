@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <iterator>
-#include <set>
+#include <vector>
 
 #include "common/counting_runtime.h"
 #include "runtime/chained_object.h"
@@ -9,10 +8,8 @@
 #include <zel/errors.h>
 #include <zel/library.h>
 #include <zel/loader.h>
-#include <zel/registry.h>
 #include <zel/services.h>
 #include <zel/values.h>
-#include <zel/textfuncs.h>
 
 using namespace zel;
 
@@ -46,44 +43,14 @@ TEST(Descriptors, EnumerationSkipsClassesWithoutElementTable) {
     EnumObjectAllMethods(withElements.get(), nullptr, &seen);  // a null callback does nothing
 }
 
-// Checked against every method of the library.
-TEST(Descriptors, EveryPropertyOfTheLibraryIsAGetterOrASetter) {
-    tagTBaseTypeInfo* records[256];
-    int n = zel::EnumClassRecords(&g_zellib_info, records, int(std::size(records)));
-    int getters = 0, setters = 0;
-    for (int i = 0; i < n; ++i) {
-        if (records[i]->kind != ZEL_KIND_CLASS) continue;
-        for (int m = 0; m < records[i]->methodCount; ++m) {
-            tagMethodItem* item = &records[i]->methods[m];
-            bool read = MethodIsReadProperty(item), write = MethodIsWriteProperty(item);
-            EXPECT_FALSE(read && write) << records[i]->name << L"." << item->name;
-            EXPECT_EQ(MethodIsProperty(item), (item->flags & ZEL_METHOD_PROPERTY_BIT) != 0)
-                << records[i]->name << L"." << item->name;
-            getters += read;
-            setters += write;
-        }
-    }
-    EXPECT_GT(getters, 20);
-    EXPECT_GT(setters, 10);
-    EXPECT_FALSE(MethodIsProperty(nullptr));
-}
-
-TEST(LibraryRecord, LayoutAndRegistry) {
+// ncl check walks every record the library hands out; here, the odd requests.
+TEST(LibraryRecord, RegistryAnswersOddRequests) {
     ZelLibInfo* lib = ZelGetLibInfo();
     EXPECT_EQ(lib, &g_zellib_info);
-    EXPECT_STREQ(lib->name, L"工具");
-    EXPECT_STREQ(lib->description, L"本类库提供系统工具类");
-    EXPECT_EQ(lib->nameHash, GetTextHash(L"工具"));
-
-    int count = lib->enumClasses(lib, nullptr, 0);
-    EXPECT_GT(count, 0);
-    std::vector<tagTBaseTypeInfo*> records(count + 2);
-    EXPECT_EQ(lib->enumClasses(lib, records.data(), 0), 0);
-    EXPECT_EQ(lib->enumClasses(lib, records.data(), int(records.size())), count);
-    std::set<tagTBaseTypeInfo*> distinct(records.begin(), records.begin() + count);
-    EXPECT_EQ(int(distinct.size()), count);
-    for (int i = 0; i < count; ++i) EXPECT_EQ(lib->findClass(lib, records[i]->name), records[i]);
-    EXPECT_EQ(lib->findClass(lib, const_cast<wchar_t*>(L"文本类")), nullptr);
+    tagTBaseTypeInfo* records[1] = {};
+    EXPECT_EQ(lib->enumClasses(lib, records, 0), 0);
+    EXPECT_EQ(records[0], nullptr);
+    EXPECT_EQ(lib->findClass(lib, const_cast<wchar_t*>(L"文本类")), nullptr);  // the short name is no name
     EXPECT_EQ(lib->findClass(lib, nullptr), nullptr);
 }
 

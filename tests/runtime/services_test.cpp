@@ -125,7 +125,7 @@ TEST(Descriptors, PropertyPredicatesOnOddItems) {
         EXPECT_EQ(MethodIsWriteProperty(&m), c.write) << c.flags << "/" << c.params;
         EXPECT_EQ(MethodIsProperty(&m), c.read || c.write);
     }
-    EXPECT_FALSE(MethodIsWriteProperty(nullptr));
+    EXPECT_FALSE(MethodIsWriteProperty(nullptr) || MethodIsProperty(nullptr));
 }
 
 void CountElement(tagElementItem*, void* n) { ++*static_cast<int*>(n); }
