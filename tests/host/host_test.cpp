@@ -16,18 +16,12 @@ using namespace zelhost;
 
 namespace {
 
+using hosttest::Cls;
 using hosttest::RunText;
 using hosttest::ScriptRun;
 
 void ExpectAll(const std::string& text, std::initializer_list<const char*> parts) {
     for (const char* p : parts) EXPECT_NE(text.find(p), std::string::npos) << p << "\n" << text;
-}
-
-ClassInfo* Cls(const wchar_t* name) {
-    std::string e;
-    ClassInfo* c = FindClass(name, &e);
-    EXPECT_NE(c, nullptr) << e;
-    return c;
 }
 
 std::string FindingLines(const std::vector<Finding>& findings) {  // "kind: message" lines
