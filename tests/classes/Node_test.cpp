@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "common/test_object.h"
@@ -228,6 +229,21 @@ TEST(CNode, WrappedValuesWithoutGettersOrWithShortBlocks) {
     EXPECT_EQ(Relate(a.node(), b.node()), kBelow);
     EXPECT_EQ(Relate(a.node(), a.node()), kSame);
     EXPECT_EQ(runtime.LiveValues(), 0) << "the getters' values are dropped";
+}
+
+// A node that cannot copy raises and keeps its old value (the sweep in
+// tests/sweep fails every allocation of nodes on an empty one).
+TEST(CNode, ANodeThatCannotCopyRaisesAndHoldsNoReference) {
+    CountingRuntime runtime;
+    TestObject item(&kInt);
+    CNode node;
+    node.SetInt(7);
+    zel::FailAllocationAfter(1);
+    EXPECT_THROW(node.SetObject(item), std::bad_alloc);
+    zel::FailAllocationAfter(0);
+    EXPECT_EQ(node.GetType(), CNode::NodeInt);
+    EXPECT_EQ(node.GetInt(), 7);
+    EXPECT_EQ(runtime.Net(item), 0);
 }
 
 }  // namespace
