@@ -49,8 +49,10 @@ TEST(Console, FramesAndTheExitCode) {
     EXPECT_EQ(r.out, "\n[警告]：小心\n\a\n[信息]：好\n\n[错误]：坏了\n");
 }
 
-TEST(Paths, NormalizingKeepsThePathAndTheOSIsOne) {
+TEST(Platform, PathsStayAsGivenTheClockRunsOnAndTheObjectIsOne) {
     EXPECT_STREQ(OS::NormalizePath(const_cast<wchar_t*>(L"/甲/../乙//丙.txt")).GetText(), L"/甲/../乙//丙.txt");
+    unsigned first = OS::milliseconds();
+    EXPECT_LE(first, OS::milliseconds());
     EXPECT_TRUE(OS::GetOS() != nullptr && OS::GetOS() == OS::GetOS());
 }
 
