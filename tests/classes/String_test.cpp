@@ -67,6 +67,8 @@ TEST_F(StringTest, SearchesWithUnsignedStartsAndCompareByLengthAfterAPrefix) {
     EXPECT_EQ(String_Find(t, Text(L""), 5), -1);
     EXPECT_EQ(String_Find(t, nullptr, 0), -1);
     EXPECT_EQ(String_ReverseFind(t, nullptr, -1), -1);
+    TestObject bare(&g_info_String);
+    EXPECT_EQ(String_ReverseFind(bare, Text(L"a"), 0), -1);
 
     Set(L"abc");
     EXPECT_LT(String_Compare(t, Text(L"abd")), 0);

@@ -33,6 +33,11 @@ TEST(Converters, ByteSetsConvertOnlyAtExactlyTheirSize) {
     EXPECT_EQ(Take(MBinToMString(b)), L"a");
     zel_free(b);
     EXPECT_EQ(Take(MBinToMString(nullptr)), L"");
+    // A length word that is negative or too large for any block: the empty text.
+    for (int length : {-5, 0x40000000}) {
+        int block[] = {0, 1, length, 0x41};
+        EXPECT_EQ(Take(MBinToMString(reinterpret_cast<unsigned char*>(block))), L"") << length;
+    }
 }
 
 TEST(Converters, TextsParseInSinglePrecisionAndPrintIntoABoundedBuffer) {

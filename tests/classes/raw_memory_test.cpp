@@ -130,7 +130,7 @@ TEST(Pointer, BlocksOfBytesAndTextStayInTheirLengths) {
     EXPECT_EQ(words[0], L'文');
 }
 
-TEST(Pointer, NullAddressReadsZeroAndWritesNothing) {
+TEST(Pointer, NullAddressAndEmptyDataReadZeroAndWriteNothing) {
     TestObject p(&g_info_Pointer);
     Pointer_SetByte(p, 1), Pointer_SetShort(p, 1), Pointer_SetInt(p, 1), Pointer_SetFloat(p, 1), Pointer_SetDouble(p, 1);
     Owned bin{MCloneZelBin(const_cast<char*>("ab"), 2)}, text{MCloneZelText(const_cast<wchar_t*>(L"ab"))};
@@ -141,6 +141,13 @@ TEST(Pointer, NullAddressReadsZeroAndWritesNothing) {
     EXPECT_EQ(Pointer_GetFloat(p) + Pointer_GetDouble(p), 0.0);
     EXPECT_EQ(Pointer_ReadBin(p, 4), zel::EmptyBin());
     EXPECT_EQ(Pointer_ReadText(p, 4), zel::EmptyText());
+    // Writing nothing leaves the bytes; a zero first unit reads as the empty text.
+    wchar_t buffer[4] = {0, L'a', L'b', 0};
+    Pointer_SetAddress(p, AsInt(buffer));
+    Pointer_WriteBin(p, zel::EmptyBin());
+    EXPECT_EQ(buffer[0], 0);
+    EXPECT_EQ(Pointer_ReadText(p, 0), zel::EmptyText());
+    EXPECT_EQ(Pointer_ReadText(p, 3), zel::EmptyText());
     // A null address object points nowhere.
     Pointer_SetAddress(p, 64);
     Pointer_PointTo(p, nullptr);

@@ -6,17 +6,13 @@
 #include <vector>
 
 #include "host/host_api.h"
+#include "script_run.h"
 
 using namespace zelhost;
 
 namespace {
 
-ClassInfo* Cls(const wchar_t* name) {
-    std::string e;
-    ClassInfo* c = FindClass(name, &e);
-    EXPECT_NE(c, nullptr) << e;
-    return c;
-}
+using hosttest::Cls;
 
 int Twice(int a) { return 2 * a; }
 

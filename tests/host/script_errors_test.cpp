@@ -92,6 +92,11 @@ TEST(ScriptErrors, CallsAndPropertiesThatCannotRun) {
         {"f = new 测试.文件\nf.写整数(\"x\")", "3:7: error: 写整数: argument 1: expected 整数, got 文本"},
         {"t = \"x\"\nc.多释放(t)\nprint t", "4:7: error: variable t holds a freed value (released too often): 文本"},
         {"load \"/no/such/lib.ncl\"", "2:1: error: cannot open /no/such/lib.ncl: No such file or directory"},
+        {"c.没有()", "2:3: error: unknown method 测试.计数器.没有\n"},
+        {"c.加(1, 2, 3)", "2:3: error: 测试.计数器.加 takes 1 or 2 arguments, got 3"},
+        {"print 测试.计数器.静态家(1, 2)", "2:14: error: unknown method 测试.计数器.静态家; did you mean 静态加?\n"},
+        {"print c.加(1).值", "2:9: error: not an object: 1\n"},
+        {"c.相同(new 测试.文件)", "2:10: error: 测试.计数器.相同: argument 1 (另一个): 测试.文件 is not a 测试.计数器"},
     };
     ExpectRefused(cases);
 }
@@ -111,6 +116,7 @@ TEST(ScriptErrors, ExpectationsThatFail) {
         {"expect error c.加(1)", "2:14: error: expect failed: expect error c.加(1) did not raise (it gave 1)"},
         {"expect error c.抛出(5)", "2:14: error: expect failed: expect error c.抛出(5) did not raise\n"},
         {"expect error cc.加(1)", "2:14: error: unknown variable cc; did you mean c?"},  // not a raise
+        {"expect c.值 == 1", "2:8: error: expect failed: expect c.值 == 1 (left 0, right 1)\n"},
     };
     ExpectRefused(cases);
 }

@@ -1,5 +1,5 @@
 // Script text run through the host, with the fixture libraries' folder as
-// ZELCLS_PATHS for every test of the executable.
+// ZELCLS_PATHS for every test of the executable, and a class looked up by name.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -27,6 +27,14 @@ inline ScriptRun RunText(const std::string& script, bool audit = false) {
     o.audit = audit;
     int s = zelhost::RunScript(in, "t.zs", o, out, err);
     return {s, out.str(), err.str()};
+}
+
+// The class of that name, loading its library; a failure fails the test.
+inline zelhost::ClassInfo* Cls(const wchar_t* name) {
+    std::string e;
+    zelhost::ClassInfo* c = zelhost::FindClass(name, &e);
+    EXPECT_NE(c, nullptr) << e;
+    return c;
 }
 
 }  // namespace hosttest

@@ -9,13 +9,8 @@
 
 namespace {
 
-class FileTest : public ::testing::Test {
+class FileTest : public TempDirTest {
 protected:
-    TempDir dir;
-    std::wstring Make(const std::string& name, const std::string& bytes) {
-        WriteFileBytes(dir.Path(name), bytes);
-        return dir.WPath(name);
-    }
     static long BytePosition(const CFile& f) { return std::ftell(f.GetStream()); }
 };
 
@@ -117,6 +112,39 @@ TEST_F(FileTest, TextReadCountsAndMultibyteWriteSkipsTheFirstUnit) {
     EXPECT_TRUE(bytes.Write(text, 0) == 3 && bytes.Write(nullptr, 3) == 0);
     bytes.Close();
     EXPECT_EQ(ReadFileBytes(dir.Path("mb")), std::string("a\0\0", 3));
+}
+
+TEST_F(FileTest, ReadWriteModesAndNullArguments) {
+    std::wstring path = Make("f", "0123");
+    CFile update(path.c_str(), 5);  // "wb+": truncated, then readable
+    char buf[8] = {};
+    EXPECT_TRUE(update.IsEOF() == 0 && update.Read(buf, 0) == 0);
+    EXPECT_EQ(update.Write("ab", 2), 2);
+    update.SeekToBegin();
+    EXPECT_TRUE(update.Read(buf, 8) == 2 && std::string(buf) == "ab");
+    EXPECT_EQ(update.IsEOF(), 1);
+    EXPECT_TRUE(update.Read(nullptr, 4) == 0 && update.Write(nullptr, 4) == 0 && update.Flush() == 0);
+    update.Close();
+
+    CFile append(path.c_str(), 6);  // "ab+": writes go to the end, reads from anywhere
+    EXPECT_EQ(append.Write("cd", 2), 2);
+    append.SeekToBegin();
+    EXPECT_TRUE(append.Read(buf, 8) == 4 && std::string(buf, 4) == "abcd");
+    EXPECT_EQ(ReadFileBytes(dir.Path("f")), "abcd");
+
+    CFile none;
+    EXPECT_TRUE(none.Open(nullptr, 1) == 0 && none.Flush() == 0 && !none.GetStream());
+}
+
+// A wide default encoding without a file: the wide seeks and positions still
+// answer -1.
+TEST_F(FileTest, WideTextFileWithoutAStream) {
+    CTextFile halfSigned(Make("fe", "\xFE" "a").c_str(), 1, 2);
+    EXPECT_EQ(halfSigned.GetEncoding(), 2) << "FE alone is no signature";
+    CTextFile absent(dir.WPath("absent").c_str(), 1, 0);
+    EXPECT_TRUE(absent.GetEncoding() == 0 && !absent.GetStream());
+    EXPECT_EQ(absent.Seek(1, SEEK_SET), -1);
+    EXPECT_EQ(absent.GetPosition(), -1);
 }
 
 }  // namespace

@@ -60,4 +60,18 @@ TEST(MemoryStream, CopiesTakeBytesNotPositions) {
     EXPECT_TRUE(c.GetLength() == 0 && c.GetPosition() == 0 && c.GetData() == nullptr);
 }
 
+TEST(MemoryStream, EmptyDataAndMissingByteSets) {
+    CMemoryStream s;
+    s.InitData(const_cast<char*>("abcd"), 4);
+    s.InitData(const_cast<char*>("xyz"), 0);
+    EXPECT_EQ(s.GetLength(), 0);
+    s.WriteBinData(nullptr);  // a missing byte set is written as a zero length
+    EXPECT_EQ(s.GetLength(), 4);
+    EXPECT_EQ(s.ReadInt(), 0);
+    EXPECT_FALSE(s.IsDataValid(-1));
+    Owned abc(MakeBin("abc"));
+    s.WriteBinData(abc.h);  // the bytes alone, without the header
+    EXPECT_EQ(s.GetLength(), 7);
+}
+
 }  // namespace

@@ -1,7 +1,9 @@
-// Shared helpers of the io tests: a private temporary directory, whole-file
-// access, descriptor counting, and an owner for the values handed back.
+// Shared helpers of the io tests: a private temporary directory (and a
+// fixture around one), whole-file access, descriptor counting, and an owner
+// for the values handed back.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -31,6 +33,17 @@ inline std::string ReadFileBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
 }
+
+// A test with its own temporary directory.
+class TempDirTest : public ::testing::Test {
+protected:
+    TempDir dir;
+    // Writes `bytes` to the file `name` of the directory; gives its wide path.
+    std::wstring Make(const std::string& name, const std::string& bytes) {
+        WriteFileBytes(dir.Path(name), bytes);
+        return dir.WPath(name);
+    }
+};
 
 inline int OpenDescriptors() {
     auto fds = std::filesystem::directory_iterator("/proc/self/fd");

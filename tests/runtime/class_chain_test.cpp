@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <zel/class_table.h>
@@ -98,9 +99,14 @@ TEST(ClassChain, NameOfTheOwnClassOrNone) {
     EXPECT_STREQ(shortName.GetText(), L"自己");
     GetEventShortName(shortName, &noChain);
     EXPECT_STREQ(shortName.GetText(), L"");
-    shortName = L"旧";
-    GetEventShortName(shortName, static_cast<wchar_t*>(nullptr));
-    EXPECT_STREQ(shortName.GetText(), L"");
+    // After the last slash the dots are kept; one word alone has no short name.
+    const std::pair<const wchar_t*, const wchar_t*> names[] = {
+        {L"工具.颜色", L"颜色"}, {L"界面/按钮.单击事件", L"按钮.单击"}, {L"甲/乙.丙", L"乙.丙"}, {L"事件", L""}, {nullptr, L""}};
+    for (auto [name, expected] : names) {
+        shortName = L"旧";
+        GetEventShortName(shortName, const_cast<wchar_t*>(name));
+        EXPECT_STREQ(shortName.GetText(), expected);
+    }
 }
 
 std::string BuildDir() {
@@ -126,21 +132,35 @@ TEST(SystemLibrary, ALibraryWithoutTheEntryGivesNoRuntime) {
     rmdir(folder);
 }
 
-TEST(SystemLibrary, NoSearchPathFindsNothing) {
-    setenv("ZELCLS_PATHS", ";,", 1);
-    ChildResult r = RunInChild([] {
-        SysLibLoader loader;
-        return loader.GetRuntimeObject() || loader.GetLibInfo() ? 1 : 0;
-    });
+TEST(SystemLibrary, SearchPathsSplitAndEndInOneSlash) {
+    setenv("ZELCLS_PATHS", "/a;/b/,,/c", 1);
+    CMStringArray paths;
+    GetZelLibSearchPaths(paths);
+    ASSERT_EQ(paths.GetSize(), 3);
+    EXPECT_EQ(std::wstring(paths[0]) + paths[1] + paths[2], L"/a//b//c/");
+    paths.RemoveAll();
     unsetenv("ZELCLS_PATHS");
-    EXPECT_EQ(r.status, 0);
-    EXPECT_NE(r.out.find("[错误]：无法加载Zel语言系统类库(系统.ncl)！"), std::string::npos);
+    GetZelLibSearchPaths(paths);
+    EXPECT_EQ(paths.GetSize(), 0);
 }
 
-TEST(SystemLibrary, TheRuntimeItGivesBelongsToTheSystemLibrary) {
+TEST(SystemLibrary, NotFoundIsReported) {
+    for (const char* paths : {";,", "/nonexistent-zel-dir"}) {
+        setenv("ZELCLS_PATHS", paths, 1);
+        ChildResult r = RunInChild([] {
+            SysLibLoader loader;
+            return loader.GetRuntimeObject() || loader.GetLibInfo() ? 1 : 0;
+        });
+        unsetenv("ZELCLS_PATHS");
+        EXPECT_EQ(r.status, 0) << paths;
+        EXPECT_NE(r.out.find("[错误]：无法加载Zel语言系统类库(系统.ncl)！"), std::string::npos) << paths;
+    }
+}
+
+TEST(SystemLibrary, FoundInALaterFolderItsRuntimeBelongsToIt) {
     std::string build = BuildDir();
     if (access((build + "/系统.ncl").c_str(), R_OK) != 0) GTEST_SKIP() << "the runtime host is not built";
-    setenv("ZELCLS_PATHS", build.c_str(), 1);
+    setenv("ZELCLS_PATHS", ("/nonexistent-zel-dir;" + build).c_str(), 1);
     SysLibLoader loader;
     unsetenv("ZELCLS_PATHS");
     ZelLibInfo* lib = loader.GetLibInfo();

@@ -1,5 +1,5 @@
 // Error reports without a runtime (or with one that takes no reports), and
-// the print family when its format cannot be copied.
+// the print family: which "%s" it swaps, and formats that cannot be copied.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -17,7 +17,7 @@
 namespace {
 wchar_t* W(const wchar_t* s) { return const_cast<wchar_t*>(s); }
 
-TEST(Report, FatalAndNullFormsOnTheErrorStream) {
+TEST(Report, EveryFormOnTheErrorStream) {
     struct Case {
         const wchar_t* library;
         int code;
@@ -25,6 +25,10 @@ TEST(Report, FatalAndNullFormsOnTheErrorStream) {
         int status;
         const char* text;
     } cases[] = {
+        {L"工具", 3, L"", 0, "类库\"工具\"中发生错误码为3的错误\n"},
+        {L"", 5, L"坏了", 0, "错误(5): 坏了\n"},
+        {L"工具", 7, L"坏", 0, "类库\"工具\"中发生错误(7): 坏\n"},
+        {L"工具", -1, L"坏", 255, "类库\"工具\"中发生严重错误(-1): 坏\n"},
         {nullptr, 6, nullptr, 0, "发生错误码为6的错误\n"},  // null reads as empty
         {nullptr, -2, nullptr, 255, "发生错误码为-2的严重错误\n"},
         {nullptr, -3, L"坏", 255, "严重错误(-3): 坏\n"},
@@ -55,6 +59,18 @@ TEST(Report, ARuntimeWithoutTheReportServicePrintsAsIfAbsent) {
     });
     EXPECT_EQ(r.status, 0);
     EXPECT_EQ(r.err, "类库\"工具\"中发生错误(9): 丢失\n");
+}
+
+TEST(Print, SwapsOnlyTheCharacterAfterPercent) {
+    wchar_t buf[64];
+    wchar_t format[] = L"%s|%S|";
+    swprintf_linux(buf, format, L"宽", "narrow");
+    EXPECT_STREQ(buf, L"宽|narrow|");
+    EXPECT_STREQ(format, L"%s|%S|");  // the caller's format is untouched
+    swprintf_linux(buf, W(L"[%-3s]"), "ab");  // not swapped: still a narrow string
+    EXPECT_STREQ(buf, L"[ab ]");
+    swprintf_linux(buf, W(L"100%%s"));
+    EXPECT_STREQ(buf, L"100%s");
 }
 
 TEST(Print, FormatsWithoutACopyPrintNothing) {

@@ -125,18 +125,18 @@ TEST(Descriptors, PropertyPredicatesOnOddItems) {
         EXPECT_EQ(MethodIsWriteProperty(&m), c.write) << c.flags << "/" << c.params;
         EXPECT_EQ(MethodIsProperty(&m), c.read || c.write);
     }
-    EXPECT_FALSE(MethodIsWriteProperty(nullptr));
+    EXPECT_FALSE(MethodIsWriteProperty(nullptr) || MethodIsProperty(nullptr));
 }
 
 void CountElement(tagElementItem*, void* n) { ++*static_cast<int*>(n); }
 
 TEST(Descriptors, ElementTableOfNoItemsGivesNone) {
     tagElementItem items[1] = {};
-    tagTBaseTypeInfo none{}, one{};
+    tagTBaseTypeInfo none{}, one{}, bare{};
     none.elements = items;  // a table, but a count of 0
     one.elements = items;
     one.elementCount = 1;
-    ChainedObject object({&one, &none});
+    ChainedObject object({&one, nullptr, &none, &bare});  // levels without a record or a table add none
     int seen = 0;
     EnumObjectAllElements(object, CountElement, &seen);
     EXPECT_EQ(seen, 1);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <zel/memory.h>
 #include <zel/values.h>
 #include <zel/mstring.h>
 #include <zel/textfuncs.h>
@@ -26,8 +27,16 @@ TEST(TypeCodes, ParseTypeStrings) {
     EXPECT_EQ(TypeOf(L"@_q"), DATATYPE_UNKNOWN);
     EXPECT_EQ(TypeOf(L""), DATATYPE_UNKNOWN);
     EXPECT_EQ(MGetDataTypeType(nullptr, 0), DATATYPE_UNKNOWN);
-    // A wrong hash argument makes a known string unknown: the hash is trusted.
+    // A wrong hash argument makes a known string unknown: the hash is trusted,
+    // but only together with the text it belongs to.
     EXPECT_EQ(MGetDataTypeType(W(L"_s"), 1), DATATYPE_UNKNOWN);
+    EXPECT_EQ(MGetDataTypeType(W(L"_x"), GetTextHash(L"_i")), DATATYPE_UNKNOWN);
+    EXPECT_EQ(MGetDataTypeSize(W(L"_dx"), GetTextHash(L"_db")), 4);
+    CMString shown;
+    MGetDataTypeShowNameString(shown, W(L"_q"), GetTextHash(L"_s"));
+    EXPECT_STREQ(shown.GetText(), L"_q");
+    MGetDataTypeShowNameString(shown, nullptr, 0);
+    EXPECT_TRUE(shown.IsEmpty());
 }
 
 TEST(TypeCodes, SizesAndShowNames) {
@@ -37,6 +46,10 @@ TEST(TypeCodes, SizesAndShowNames) {
     EXPECT_EQ(MGetDataTypeSize(W(L"_db"), GetTextHash(L"_db")), 8);
     EXPECT_EQ(MGetDataTypeSize(W(L"_db"), 0), 4);  // the caller's hash is not recomputed
     EXPECT_EQ(MGetDataTypeSize(W(L""), 0), 0);
+    EXPECT_EQ(MGetDataTypeSize(nullptr, 0), 0);
+    EXPECT_EQ(MGetAryElementDataTypeSize(DATATYPE_DOUBLE), 8);
+    EXPECT_EQ(MGetAryElementDataTypeSize(DATATYPE_INT_ARRAY), 4);
+    EXPECT_STREQ(MGetDataTypeTypeShowName(DATATYPE_OBJECT_ARRAY), L"对象/接口/枚举数组");
     EXPECT_STREQ(MGetDataTypeTypeShowName(DATATYPE_BOOL_ARRAY), L"逻辑型数组");
     EXPECT_STREQ(MGetDataTypeTypeShowName(DATATYPE_OBJECT), L"对象/接口/枚举");
     EXPECT_STREQ(MGetDataTypeTypeShowName(DATATYPE_TYPE(99)), L"未知类型");
@@ -53,6 +66,10 @@ TEST(TypeCodes, PureTypeCombinedAndFill) {
     EXPECT_EQ(isArray, 1);
     EXPECT_STREQ(MGetPureDataType(W(L""), &isArray), L"");
     EXPECT_EQ(isArray, 0);
+    isArray = -1;
+    EXPECT_EQ(MGetPureDataType(nullptr, &isArray), nullptr);
+    EXPECT_EQ(isArray, 0);
+    EXPECT_STREQ(MGetPureDataType(W(L"@工具.颜色"), nullptr), L"工具.颜色");
     EXPECT_TRUE(IsCmbDataType(W(L"_i,_s")));
     EXPECT_FALSE(IsCmbDataType(W(L"_i")));
     tagZelDataTypeInfo info{7, W(L"x"), 7, 7};
@@ -81,14 +98,31 @@ TEST(Values, ArraysCountTheirElements) {
     EXPECT_TRUE(IsEmptyZelArray(emptyOneDim));
     EXPECT_FALSE(IsEmptyZelArray(emptyTwoDim));  // more than one dimension is never empty
     EXPECT_TRUE(IsEmptyZelArray(nullptr));
+    int three[3 + 3] = {0, 1, 3, 7, 8, 9};
+    EXPECT_FALSE(IsEmptyZelArray(three));
+    EXPECT_TRUE(GetZelArrayDim(three) == 1 && GetZelArrayDim(nullptr) == 0);
+    EXPECT_EQ(MGetAryElementCount(nullptr, nullptr), 0);
+    EXPECT_EQ(GetZelArrayData(three, nullptr), &three[3]);
+    int count = -1;
+    EXPECT_EQ(GetZelArrayData(nullptr, &count), nullptr);
+    EXPECT_EQ(count, 0);
 }
 
-TEST(Values, NullBinReadsAsTheEmptyConstant) {
+TEST(Values, EmptinessOfBinsAndTexts) {
     int len = -1;
-    unsigned char* bytes = GetBinData(nullptr, &len);
+    EXPECT_EQ(GetBinData(nullptr, &len), zel::EmptyBin() + 12);  // null reads as the empty constant
     EXPECT_EQ(len, 0);
-    EXPECT_EQ(bytes, zel::EmptyBin() + 12);
     EXPECT_EQ(MGetZelBinData(nullptr), nullptr);
+    int bin[4] = {0, 1, 3, 0};
+    auto* bytes = reinterpret_cast<unsigned char*>(bin);
+    EXPECT_TRUE(IsEmptyBin(nullptr) && IsEmptyBin(zel::EmptyBin()) && !IsEmptyBin(bytes));
+    EXPECT_EQ(GetBinData(bytes, nullptr), bytes + 12);  // no length asked for
+
+    unsigned char* text = MCloneZelText(W(L"甲"));
+    EXPECT_FALSE(IsEmptyZelText(text));
+    zel::TextChars(text)[0] = 0;  // measured to the terminator, not by the stored length
+    EXPECT_TRUE(IsEmptyZelText(text) && IsEmptyZelText(zel::EmptyText()) && IsEmptyZelText(nullptr));
+    zel_free(text);
 }
 
 TEST(Values, DataItemsAndDoubles) {
@@ -116,4 +150,6 @@ TEST(Values, EmptyConstantsLayout) {
     EXPECT_FALSE(IsConstData(base + 44));
     EXPECT_STREQ(zelTrueLiteral, L"真");
     EXPECT_STREQ(zelFalseLiteral, L"假");
+    EXPECT_EQ(zel::ConstBlockOf(nullptr), nullptr);
+    EXPECT_FALSE(IsConstData(nullptr));
 }

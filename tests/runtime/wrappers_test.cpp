@@ -13,29 +13,25 @@
 
 extern "C" {
 extern tagTBaseTypeInfo g_info_MemoryStream, g_info_MemoryIStream, g_info_MemoryOStream, g_info_Point;
-void MemoryStream_Init(ZelObject*), MemoryStream_Free(ZelObject*);
 void MemoryIStream_Init(ZelObject*), MemoryIStream_Free(ZelObject*);
 void MemoryOStream_Init(ZelObject*), MemoryOStream_Free(ZelObject*);
 }
 
+// ZelMallocer owns one block at a time: a new one frees the old (the
+// sanitizers see any leak); one it could not get leaves it empty.
 TEST(Wrappers, MallocerOwnsOneBlockAtATime) {
-    CountingRuntime runtime;
     ZelMallocer block(16);
     ASSERT_NE(block.GetData(), nullptr);
-    EXPECT_EQ(block.GetSize(), 16);
-    EXPECT_EQ(static_cast<void*>(block), block.GetData());
-    block.Atach(zel_malloc(4), 4);  // the first block is freed (ASan would see a leak)
+    EXPECT_TRUE(block.GetSize() == 16 && static_cast<void*>(block) == block.GetData());
+    block.Atach(zel_malloc(4), 4);
     EXPECT_EQ(block.GetSize(), 4);
-    void* taken = block.Detach();
+    zel_free(block.Detach());
     EXPECT_TRUE(block.GetData() == nullptr && block.GetSize() == 0);
-    zel_free(taken);
-
     zel::FailAllocationAfter(1);
     ZelMallocer failed(32);
     zel::FailAllocationAfter(0);
-    EXPECT_TRUE(failed.GetData() == nullptr && failed.GetSize() == 0);
     ZelMallocer none;
-    EXPECT_TRUE(none.GetData() == nullptr && none.GetSize() == 0);
+    EXPECT_TRUE(failed.GetData() == nullptr && failed.GetSize() == 0 && none.GetData() == nullptr);
 }
 
 TEST(Wrappers, TextAndBinWrappersReleaseWhatTheyHold) {
@@ -99,33 +95,6 @@ TEST(Wrappers, ObjectWrapperIsEmptyWhenTheRuntimeMakesNoObjects) {
     CountingRuntime runtime;  // it has no object service
     ZelObjectWrapper object(const_cast<wchar_t*>(L"工具.坐标点"));
     EXPECT_EQ(static_cast<ZelObject*>(object), nullptr);
-}
-
-TEST(StreamCalls, WriteThenReadThroughTheStreamInterfaces) {
-    CountingRuntime runtime;
-    TestObject stream(&g_info_MemoryStream, MemoryStream_Init, MemoryStream_Free);
-    unsigned char* text = zel::NewText(L"文本");
-    unsigned char bytes[] = {1, 2, 3};
-    unsigned char* bin = zel::NewBin(bytes, 3);
-    EXPECT_TRUE(zel::StreamWriteInt(stream, -5));
-    EXPECT_TRUE(zel::StreamWriteDouble(stream, 2.25));
-    EXPECT_TRUE(zel::StreamWriteBool(stream, 1));
-    EXPECT_TRUE(zel::StreamWriteText(stream, text));
-    EXPECT_TRUE(zel::StreamWriteBin(stream, bin));
-    zel::Release(text);
-    zel::Release(bin);
-
-    EXPECT_EQ(zel::StreamReadInt(stream), -5);
-    EXPECT_EQ(zel::StreamReadDouble(stream), 2.25);
-    EXPECT_EQ(zel::StreamReadBool(stream), 1);
-    unsigned char* readText = zel::StreamReadText(stream);
-    EXPECT_STREQ(zel::TextChars(readText), L"文本");
-    unsigned char* readBin = zel::StreamReadBin(stream);
-    ASSERT_EQ(MGetZelBinLength(readBin), 3);
-    EXPECT_EQ(std::memcmp(MGetZelBinData(readBin), bytes, 3), 0);
-    zel::Release(readText);
-    zel::Release(readBin);
-    EXPECT_EQ(runtime.LiveValues(), 0);
 }
 
 TEST(StreamCalls, OneDirectionStreamsAndOtherObjectsGiveTheSentinels) {

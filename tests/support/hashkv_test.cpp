@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <mutex>
 #include <set>
+#include <thread>
 #include <vector>
 
 #include <zel/memory.h>
@@ -72,30 +74,6 @@ TEST(HashKV, EqualityArgumentOrders) {
     EXPECT_EQ(g_equalityCalls, (std::vector<std::pair<void*, void*>>{{stored, searched}, {searched, stored}}));
 }
 
-TEST(HashKV, PoolBlocksOfOneHundredCellsAndReuse) {
-    CPtr2PtrHashmap map;
-    for (int i = 1; i <= 99; ++i) map.Set(P(i), P(i));
-    zel::FailAllocationAfter(1);
-    EXPECT_EQ(map.Set(P(100), P(100)), 1);  // the 100th cell needs no allocation
-    EXPECT_EQ(map.Set(P(101), P(101)), 0);  // the 101st starts a second block: refused
-    zel::FailAllocationAfter(0);
-    EXPECT_EQ(Keys(map).size(), 100u);
-    EXPECT_TRUE(map.GetCount() == 100 && !map.IsExist(P(101)));
-    EXPECT_EQ(map.Set(P(101), P(101)), 1);
-    HashKV::KV* cell = map.GetKV(P(50));
-    map.Remove(P(50));
-    map.Set(P(500), P(5));
-    EXPECT_EQ(map.GetKV(P(500)), cell);  // the freed cell comes back first
-
-    for (int failing : {1, 2}) {  // the first block itself, then recording it
-        CPtr2PtrHashmap empty;
-        zel::FailAllocationAfter(failing);
-        EXPECT_EQ(empty.Set(P(1), P(1)), 0);
-        zel::FailAllocationAfter(0);
-        EXPECT_TRUE(Keys(empty).empty() && empty.GetCount() == 0);
-    }
-}
-
 TEST(HashKV, IterationRemoveAllAndInit) {
     CPtr2PtrHashmap map(100);
     std::multiset<int> expected;
@@ -149,4 +127,30 @@ TEST(ThreadSafeHashmap, LockIsRecursive) {
     std::lock_guard<ZelThread::IMutex> hold(*map.GetMutex());
     map.Set(P(1), P(1));  // the same thread locks again
     EXPECT_EQ(map.Remove(P(1)), 1);
+}
+
+// Every operation takes the lock: from several threads at once no update is
+// lost and the table stays whole.
+TEST(ThreadSafeHashmap, ConcurrentSetsGetsAndRemovesLoseNothing) {
+    CThreadSafePtr2PtrHashmap map;
+    constexpr int kThreads = 4, kKeys = 2000;
+    std::vector<int> mismatches(kThreads, 0);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&map, &mismatches, t] {
+            auto key = [t](int i) { return reinterpret_cast<void*>(uintptr_t(t * kKeys + i + 1)); };
+            for (int i = 0; i < kKeys; ++i) map.Set(key(i), key(i));
+            for (int i = 0; i < kKeys; ++i) {
+                void* value = nullptr;
+                if (!map.Get(key(i), &value) || value != key(i)) ++mismatches[t];
+            }
+            for (int i = 0; i < kKeys; i += 2) map.Remove(key(i));
+        });
+    for (std::thread& thread : threads) thread.join();
+    for (int t = 0; t < kThreads; ++t) EXPECT_EQ(mismatches[t], 0) << "thread " << t;
+    EXPECT_EQ(map.GetCount(), kThreads * kKeys / 2);
+    map.RemoveAll();
+    EXPECT_EQ(map.GetCount(), 0);
+    void* value = nullptr;
+    EXPECT_EQ(map.Get(reinterpret_cast<void*>(uintptr_t(2)), &value), 0);
 }

@@ -154,6 +154,7 @@ TEST(MiniMem, FilesReadAndWritten) {
     EXPECT_EQ(After(back, back.ReadFromFile(plain.data(), -1)), "4:abcd");
     EXPECT_EQ(After(back, back.ReadFromFile(plain.data(), 3)), "3:abc");
     EXPECT_EQ(After(back, back.ReadFromFile(plain.data(), 50)), "4:abcd");  // fewer than asked
+    EXPECT_EQ(After(back, back.ReadFromFile(plain.data(), 0)), "0:");
     EXPECT_EQ(m.WriteIntoELFFile(elf.data(), -1), 1);
     EXPECT_EQ(After(back, back.ReadFromFile(elf.data(), -1)), "6:abcdef");
 
@@ -166,7 +167,7 @@ TEST(MiniMem, FilesReadAndWritten) {
     Set(back, "old");
     EXPECT_TRUE(back.ReadFromFile(nowhere.data(), -1) == -1 && !back.GetData());  // missing file: empty too
     EXPECT_EQ(back.ReadFromFile(nullptr, -1), -1);
-    EXPECT_FALSE(m.WriteIntoFile(nowhere.data(), -1) || m.WriteIntoELFFile(nowhere.data(), -1));
+    EXPECT_FALSE(m.WriteIntoFile(nowhere.data(), -1) || m.WriteIntoELFFile(nowhere.data(), -1) || m.WriteIntoFile(nullptr, -1));
     std::filesystem::remove(plainPath);
     std::filesystem::remove(elfPath);
 }

@@ -1,3 +1,6 @@
+// The wide string and the string array: edits from their own text, bounds,
+// formats that fail, and positions checked before anything moves (the sweep
+// in tests/sweep fails each of their allocations).
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,6 +12,11 @@
 
 TEST(MString, EditsFromItsOwnTextAndBounds) {
     CMString s;
+    s.AddText(L"", 3);
+    s.AddText(nullptr);
+    EXPECT_TRUE(s.IsEmpty() && s.GetText()[0] == 0);
+    s.AddText(L"abcdef", 3);  // an empty string takes the text as its own
+    EXPECT_EQ(s, L"abc");
     s.SetText(L"hello world", 5);
     s += L" 中文";
     s.AddChar(0);  // would cut the text: ignored
@@ -18,7 +26,9 @@ TEST(MString, EditsFromItsOwnTextAndBounds) {
     s.SetText(s.GetText() + 6, 2);
     EXPECT_EQ(s, L"中文");
     EXPECT_TRUE(s.Left(0).IsEmpty() && s.Right(-1).IsEmpty() && s.Left(9) == s && s.Right(9) == s);
-    EXPECT_FALSE(s.EndOf(L"长中文") || s.IEndOf(L"长中文"));
+    EXPECT_EQ(s.Right(1), L"文");
+    s.AddText(L"XY", 0);
+    EXPECT_EQ(s, L"中文");
 
     std::wstring longText(1000, L'x');  // %s takes wide texts, %S narrow ones
     s.Format(L"%s=%d, %S [%s]", L"宽", 42, "narrow", longText.c_str());
@@ -27,13 +37,47 @@ TEST(MString, EditsFromItsOwnTextAndBounds) {
     EXPECT_EQ(s.Detach(), zel::EmptyString());  // an empty string hands over the shared constant
 }
 
-TEST(MStringArray, ClonesAndRemoves) {
+TEST(MString, CaseTrimAndSuffixes) {
+    CMString s(L" \t\n Ab工Cd \r\n ");
+    s.TrimLeft();  // white space at one side only
+    EXPECT_EQ(s, L"Ab工Cd \r\n ");
+    s.TrimRight();
+    s.MakeUpper();
+    EXPECT_EQ(s, L"AB工CD");
+    s.MakeLower();
+    EXPECT_EQ(s, L"ab工cd");
+    EXPECT_TRUE(s.EndOf(L"cd") && !s.EndOf(L"CD") && s.IEndOf(L"工CD") && s.EndOf(L""));
+    EXPECT_FALSE(s.IEndOf(L"BD") || s.EndOf(L"xab工cd") || s.IEndOf(L"xAB工CD"));  // longer than the text
+    CMString copy(s);
+    copy += copy;  // appending itself
+    EXPECT_EQ(copy, L"ab工cdab工cd");
+    CMString blank(L" \t "), empty;
+    blank.TrimRight();
+    empty.TrimLeft();
+    EXPECT_TRUE(blank.IsEmpty() && empty.IsEmpty());
+    CMString narrow("abc");
+    EXPECT_EQ(narrow, L"abc");
+    EXPECT_TRUE(narrow < CMString(L"abd") && narrow != CMString(L"ab"));
+}
+
+TEST(MString, RejectedAndEmptyFormatsLeaveTheStringEmpty) {
+    for (const wchar_t* format : {L"abc%", L""}) {
+        CMString s(L"old");
+        s.Format(format);
+        EXPECT_TRUE(s.IsEmpty()) << format;
+    }
+}
+
+TEST(MStringArray, PositionsAreCheckedBeforeAnythingMoves) {
     CMStringArray array;
     wchar_t own[] = L"own";
-    EXPECT_TRUE(array.Add(L"one") == 0 && array.Add_NoClone(own) == 1 && array.InsertAt(2, L"end"));
-    EXPECT_FALSE(array.InsertAt(9, L"gap"));  // no holes of stray pointers
-    EXPECT_TRUE(array[1] == own && !array.GetAt(3) && !array.GetAt(-1));
-    EXPECT_TRUE(array.RemoveAt_NotDelete(1) && !array.RemoveAt(5));  // keeps the caller's text
-    EXPECT_EQ(std::wstring(array[0]) + array[1], L"oneend");
+    EXPECT_TRUE(array.Add(L"b") == 0 && array.InsertAt(0, L"a") && array.Add_NoClone(own) == 2 && array.InsertAt(3, L"c"));
+    EXPECT_FALSE(array.InsertAt(5, L"gap") || array.InsertAt(-1, L"x"));  // no holes of stray pointers
+    EXPECT_TRUE(array[2] == own && !array.GetAt(4) && !array.GetAt(-1));
+    EXPECT_TRUE(array.Find(L"c") == 3 && array.Find(L"x") == -1);
+    EXPECT_TRUE(array.RemoveAt_NotDelete(2) && !array.RemoveAt(3) && !array.RemoveAt(-1));  // keeps the caller's text
+    EXPECT_TRUE(array.RemoveAt(1));
+    EXPECT_EQ(std::wstring(array[0]) + array[1], L"ac");
     array.RemoveAll();
+    EXPECT_EQ(array.GetSize(), 0);
 }

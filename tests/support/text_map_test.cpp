@@ -1,5 +1,5 @@
 // The text map's own hash and equality: keys that differ in a few code units
-// spread like random ones, and texts compare by content, null as empty.
+// spread like random ones, and texts compare within each key.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -36,19 +36,6 @@ TEST(TextMap, SimilarKeysSpreadOverTheBuckets) {
     void* value = nullptr;
     std::wstring probe = L"ba";
     EXPECT_TRUE(map.Get(probe.data(), &value) && value == &keys.back());
-}
-
-TEST(TextMap, TextsCompareByContentAndNullIsEmpty) {
-    CText2PtrHashmap map;
-    wchar_t stored[] = L"键", same[] = L"键", empty[] = L"";
-    int one = 1, two = 2;
-    map.Set(stored, &one);
-    map.Set(nullptr, &two);
-    void* value = nullptr;
-    EXPECT_TRUE(map.Get(same, &value) && value == &one);
-    EXPECT_TRUE(map.Get(empty, &value) && value == &two);  // null and "" are one key
-    EXPECT_EQ(map.GetCount(), 2);
-    EXPECT_FALSE(map.IsExist(const_cast<wchar_t*>(L"键键")));
     EXPECT_EQ(hashkv_GetTextHashValue(const_cast<wchar_t*>(L"ab")), unsigned(L'a' + L'b'));  // the sum stays
 }
 

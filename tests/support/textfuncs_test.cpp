@@ -1,10 +1,19 @@
+// The text functions: null read as empty, numbers that saturate or are no
+// decimal text, names, escapes, UTF-8 both ways, splits and the wide print
+// family.
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <cmath>
+#include <cstdio>
 #include <string>
 
+#include <zel/errors.h>
 #include <zel/minimem.h>
 #include <zel/mstring.h>
 #include <zel/textfuncs.h>
+
+#include "common/child_process.h"
 
 namespace {
 
@@ -23,14 +32,55 @@ std::wstring Split(const wchar_t* text, wchar_t separator = L',') {
 
 }  // namespace
 
-TEST(TextFuncs, NullReadsAsEmptyAndNumbersSaturate) {
+TEST(TextFuncs, NullReadsAsEmptyAndSearchesStayInTheText) {
     EXPECT_TRUE(mystrlen(nullptr) == 0 && mystrcmp(nullptr, L"") == 0 && myatoi(nullptr) == 0);
     EXPECT_LT(mystrcmp(L"a", L"\x10000"), 0);
-    EXPECT_EQ(mystrnicmp(L"HELLO", L"help", 3), 0);
-    EXPECT_TRUE(!mystrchr(nullptr, L'a') && !mystrstr(nullptr, L"a") && !mystrcpy(nullptr, L"x"));
-    EXPECT_EQ(myatoi(L"99999999999"), 2147483647);
-    EXPECT_EQ(myatoi(L"-99999999999"), -2147483647 - 1);
-    EXPECT_TRUE(IsValidName(L"工具类2") && !IsValidName(nullptr) && !IsValidName(L"") && !IsValidName(L"1a"));
+    EXPECT_EQ(mystrnicmp(L"ABc", L"abD", 2), 0);
+    EXPECT_LT(mystrnicmp(L"ABc", L"abD", 3), 0);
+    EXPECT_TRUE(!mystrchr(nullptr, L'a') && !mystrrchr(nullptr, L'a') && !mystrstr(nullptr, L"a"));
+    const wchar_t* hay = L"aaab";
+    EXPECT_EQ(mystrstr(hay, L"aab"), hay + 1);  // a partial match first
+    EXPECT_EQ(mystrstr(hay, L""), hay);
+    EXPECT_EQ(mystrchr(hay, 0), hay + 4);  // the terminator is part of the text
+    wchar_t buf[8] = L"ab";
+    EXPECT_EQ(mystrcat(buf, nullptr), buf);
+    EXPECT_STREQ(mystrcat(buf, L"cd"), L"abcd");
+    EXPECT_TRUE(!mystrcpy(nullptr, L"x") && !mystrcat(nullptr, L"x"));
+    EXPECT_STREQ(mystrcpy(buf, nullptr), L"");
+}
+
+TEST(TextFuncs, IntegersSaturate) {
+    EXPECT_EQ(myatoi(L"99999999999"), INT_MAX);
+    EXPECT_EQ(myatoi(L"-99999999999"), INT_MIN);
+    EXPECT_EQ(myatoi(L" -123456789012345678901234567890"), INT_MIN);
+}
+
+TEST(TextFuncs, MyatofSaturatesToInfinityAndZeroLikeStrtod) {
+    EXPECT_EQ(myatof(L"1e999"), HUGE_VAL);
+    EXPECT_EQ(myatof(L"-1e400"), -HUGE_VAL);
+    EXPECT_EQ(myatof(L"  +1.8e308"), HUGE_VAL);
+    EXPECT_EQ(myatof(L"1000000e303"), HUGE_VAL);
+    // Far below the smallest double: zero, keeping the sign.
+    EXPECT_EQ(myatof(L"1e-400"), 0.0);
+    EXPECT_TRUE(std::signbit(myatof(L"-1e-400")));
+    EXPECT_EQ(myatof(L"0.000001e-320"), 0.0);
+    EXPECT_EQ(myatof((L"1" + std::wstring(400, L'0') + L"e-800").c_str()), 0.0);
+    EXPECT_EQ(myatof(L"0e99999"), 0.0);  // zero digits never overflow
+    // Correctly rounded also where a product in extended precision would round twice.
+    EXPECT_EQ(myatof(L"92222228E18"), 92222228E18);
+    EXPECT_EQ(myatof(L"1.7976931348623157e308"), 1.7976931348623157e308);
+    EXPECT_EQ(myatof(L"4.9406564584124654e-324"), 4.9406564584124654e-324);
+}
+
+TEST(TextFuncs, MyatofReadsDecimalTextOnly) {
+    EXPECT_EQ(myatof(L"\t 12.5e1xyz"), 125.0);
+    EXPECT_EQ(myatof(L".5"), 0.5);
+    EXPECT_EQ(myatof(L"1e"), 1.0);
+    EXPECT_TRUE(std::signbit(myatof(L"-0")));
+    // Words and hex numbers are no decimal text ("0x10" reads its leading 0).
+    for (const wchar_t* text : {L"inf", L"-infinity", L"nan", L"0x10", L"+-1", L"", L"e5", L"工1", L".", L"-.", L".e5", L"-"})
+        EXPECT_EQ(myatof(text), 0.0) << text;
+    EXPECT_EQ(myatof(nullptr), 0.0);
 }
 
 TEST(TextFuncs, Hashes) {
@@ -39,6 +89,15 @@ TEST(TextFuncs, Hashes) {
     const wchar_t wraps[] = {0x7FFFFFFF, 0x7FFFFFFF, 3, 0};
     EXPECT_EQ(GetTextHash(wraps), 1u);  // unsigned 32-bit arithmetic
     EXPECT_EQ(GetFriendNameHash(L"别名"), GetTextHash(L"别名"));
+}
+
+// Letters, '_' and anything beyond ASCII up to U+10FFFF first; digits after.
+TEST(TextFuncs, Names) {
+    const wchar_t last[] = {0x10FFFF, L'0', 0}, past[] = {0x110000, 0};
+    for (const wchar_t* name : {L"a", L"Z9", L"_x", L"名字1", L"aZ_09", L"工具类2", last}) EXPECT_TRUE(IsValidName(name)) << name;
+    for (const wchar_t* name : {L"", L"9a", L"a-b", L"a b", L"$", L"a:", L"a{", L"`", past})
+        EXPECT_FALSE(IsValidName(name)) << name;
+    EXPECT_FALSE(IsValidName(nullptr));
 }
 
 TEST(TextFuncs, Utf8RoundTripAndInvalidInput) {
@@ -67,13 +126,63 @@ TEST(TextFuncs, StringListTrimsItems) {
     EXPECT_EQ(Split(L"") + Split(nullptr), L"#0#0");
 }
 
-TEST(TextFuncs, EscapesAndExtendedProperties) {
-    CMiniMem out;  // what is not an escape stays as written
-    wchar_t* text = ConvertEscapeSequences(L"a\\n\\t\\\\\\\"\\x4e2D!\\u4E2D\\0\\q\\x\\", out);
-    EXPECT_EQ(std::wstring(text, out.GetSize() / sizeof(wchar_t) - 1), std::wstring(L"a\n\t\\\"中!中\0\\q\\x\\", 14));
+// What is not an escape stays as written; hex digits end at the first
+// non-digit, \u takes four at most.
+TEST(TextFuncs, Escapes) {
+    const std::pair<const wchar_t*, std::wstring> cases[] = {
+        {L"a\\n\\t\\\\\\\"\\x4e2D!\\u4E2D\\0\\q\\x\\", std::wstring(L"a\n\t\\\"中!中\0\\q\\x\\", 14)},
+        {L"\\r\\a\\b\\f\\v\\'", L"\r\a\b\f\v'"},
+        {L"\\xaf|\\xAF|\\u00e9z", L"\xaf|\xaf|\xe9z"},
+        {L"\\xfG", L"\x0fG"},
+        {L"\\u12345", L"\x1234" L"5"},
+        {L"\\x/\\x:\\x@\\x`\\xg", L"\\x/\\x:\\x@\\x`\\xg"},
+    };
+    CMiniMem out;
+    for (const auto& [source, expected] : cases) {
+        wchar_t* text = ConvertEscapeSequences(source, out);
+        EXPECT_EQ(std::wstring(text, out.GetSize() / sizeof(wchar_t) - 1), expected) << source;
+    }
     EXPECT_EQ(*ConvertEscapeSequences(nullptr, out), 0);
-    CMString value(L"kept");  // names match case-sensitively; values are trimmed
-    EXPECT_FALSE(GetExtendPropertyValue(L"a=1; b = x=y ;c", L"B", value) || GetExtendPropertyValue(nullptr, L"a", value));
+}
+
+// Names match case-sensitively; values are trimmed; a name without '=' has
+// an empty value.
+TEST(TextFuncs, ExtendedProperties) {
+    CMString value(L"kept");
+    EXPECT_FALSE(GetExtendPropertyValue(L"a=1; b = x=y ;c", L"B", value) || GetExtendPropertyValue(nullptr, L"a", value) ||
+                 GetExtendPropertyValue(L"a=1", L"", value));
     EXPECT_EQ(value, L"kept");
     EXPECT_TRUE(GetExtendPropertyValue(L"a=1; b = x=y ;c", L"b", value) && value == L"x=y");
+    EXPECT_TRUE(GetExtendPropertyValue(L"x=1; a ;b=2", L"a", value) && value.IsEmpty());
+}
+
+TEST(TextFuncs, StrtokSplitsInPlaceAndContinues) {
+    wchar_t text[] = L",,a,bc;;d,";
+    EXPECT_STREQ(mystrtok(text, L",;"), L"a");
+    EXPECT_STREQ(mystrtok(nullptr, L",;"), L"bc");
+    EXPECT_STREQ(mystrtok(nullptr, L",;"), L"d");
+    EXPECT_EQ(mystrtok(nullptr, L",;"), nullptr);
+    EXPECT_EQ(mystrtok(nullptr, L",;"), nullptr);  // stays finished
+    // The delimiters may change between calls; none at all takes the rest.
+    wchar_t other[] = L"a b,c d";
+    EXPECT_STREQ(mystrtok(other, L" "), L"a");
+    EXPECT_STREQ(mystrtok(nullptr, nullptr), L"b,c d");
+    wchar_t blanks[] = L",,,";
+    EXPECT_EQ(mystrtok(blanks, L","), nullptr);
+}
+
+TEST(TextFuncs, PrintFamilyWritesWideStringsForPercentS) {
+    FILE* out = std::tmpfile();
+    ASSERT_NE(out, nullptr);
+    EXPECT_EQ(fwprintf_linux(out, const_cast<wchar_t*>(L"%s=%d"), L"工具", 7), 4);
+    std::rewind(out);
+    wchar_t line[16] = {};
+    ASSERT_NE(std::fgetws(line, 16, out), nullptr);
+    EXPECT_STREQ(line, L"工具=7");
+    std::fclose(out);
+
+    // wprintf_linux makes standard output wide: it runs in a child.
+    ChildResult child = RunInChild([] { return wprintf_linux(const_cast<wchar_t*>(L"[%s]"), L"x"); });
+    EXPECT_EQ(child.status, 3);
+    EXPECT_EQ(child.out, "[x]");
 }
