@@ -34,15 +34,7 @@ public:
     // The integer reader and writer are inline where this header is seen
     // (the library still exports them): one value per call is their use.
     ZEL_API __attribute__((used)) int WriteInt(int v) {
-        if (m_capacity - m_size >= 4 || RaiseCapacity(4)) {
-            // An int store (not a byte copy): the compiler need not reload
-            // the buffer's pointer after it.
-            typedef int UnalignedInt __attribute__((aligned(1)));
-            *reinterpret_cast<UnalignedInt*>(m_data + m_size) = v;
-            m_size += 4;
-            return 1;
-        }
-        Append(&v, sizeof v);  // moves the block; a failed growth writes nothing
+        AddInt(v);
         return 1;
     }
     int WriteBool(int v);
@@ -52,11 +44,10 @@ public:
     int WriteBinData(unsigned char* bin);
 
     ZEL_API __attribute__((used)) int ReadInt() {
-        int position = m_position;
-        if (position < 0 || m_size - position < 4) return -1;  // as IsDataValid(4)
+        if (!IsDataValid(4)) return -1;
         int v;
-        std::memcpy(&v, m_data + position, 4);
-        m_position = position + 4;
+        Peek(&v, 0, 4);
+        m_position += 4;
         return v;
     }
     int ReadBool();

@@ -1,7 +1,5 @@
 #include <zel/memory.h>
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
@@ -34,8 +32,6 @@ bool zel::AllocationFails(const void* site) {
     if (g_failCountdown <= 0) return false;
     return --g_failCountdown == 0;
 }
-
-size_t zel::UsableSize(void* block) { return block ? malloc_usable_size(block) : 0; }
 
 // ---- constant or ordinary, in O(1) -------------------------------------------
 

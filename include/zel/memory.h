@@ -22,9 +22,6 @@ int AllocationCountdown();
 bool AllocationFails(const void* site);
 // Calls `watch` with the site of every allocation counted from now on (null: stop).
 void WatchAllocations(void (*watch)(const void* site));
-// The bytes a block from zel_malloc/zel_realloc can hold without moving (at
-// least the size asked for); 0 for null.
-size_t UsableSize(void* block);
 }  // namespace zel
 
 class ZEL_API ZelMallocer {
