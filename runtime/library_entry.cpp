@@ -11,7 +11,6 @@ ZelObject* g_pRuntimeObject = nullptr;
 tagTBaseTypeInfo* g_pRuntimeClassInfo = nullptr;
 tagTBaseTypeInfo* g_pGCClassInfo = nullptr;
 
-
 namespace zel {
 
 LibraryLifetime::LibraryLifetime(ZelLibInfo* lib) { lib->nameHash = GetTextHash(lib->name); }
@@ -37,8 +36,10 @@ int NotifyLibrary(ZelLibInfo* lib, NOTIFY_LIB_CODE code, unsigned int p1, unsign
 // ---- descriptor queries ----------------------------------------------------
 
 namespace {
+// A null object, or one without a chain, has no classes to visit.
 template <typename Visit>
 void WalkChainFromOwnClass(ZelObject* obj, Visit visit) {
+    if (!obj || !obj->classChain) return;
     for (int i = obj->classChain[0] - 1; i >= 0; --i) {
         if (tagTBaseTypeInfo* record = ZelChainClass(obj, i)) visit(record);
     }
