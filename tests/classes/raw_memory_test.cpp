@@ -18,9 +18,10 @@ void Address_FromTextArray(ZelObject*, int*), Address_FromBinArray(ZelObject*, i
 void Pointer_SetAddress(ZelObject*, int), Pointer_SetStep(ZelObject*, int), Pointer_Forward(ZelObject*);
 void Pointer_Fill(ZelObject*, int, int), Pointer_SetShort(ZelObject*, int), Pointer_SetFloat(ZelObject*, double);
 void Pointer_SetDouble(ZelObject*, double), Pointer_WriteText(ZelObject*, unsigned char*);
+void Pointer_WriteBin(ZelObject*, unsigned char*);
 int Address_GetValue(ZelObject*), Address_IsNull(ZelObject*), Address_Equals(ZelObject*, ZelObject*);
 int Address_Compare(ZelObject*, ZelObject*), Pointer_GetShort(ZelObject*);
-unsigned char *Address_ToString(ZelObject*), *Pointer_ReadBin(ZelObject*, int);
+unsigned char *Address_ToString(ZelObject*), *Pointer_ReadBin(ZelObject*, int), *Pointer_ReadText(ZelObject*, int);
 double Pointer_GetDouble(ZelObject*);
 }
 
@@ -82,4 +83,19 @@ TEST(Pointer, UnalignedWidthsAndBoundedBlocks) {
     Pointer_SetAddress(p, AsInt(bytes));
     Pointer_WriteText(p, text.p);
     EXPECT_TRUE(words[0] == L'文' && words[2] == 0) << "the terminator is written too";
+}
+
+// The null address reads nothing and writes nothing; a zero first unit reads
+// as the empty text.
+TEST(Pointer, NullAddressAndEmptyTextsTouchNothing) {
+    TestObject p(&g_info_Pointer);
+    Owned bin{MCloneZelBin(const_cast<char*>("ab"), 2)}, text{MCloneZelText(const_cast<wchar_t*>(L"ab"))};
+    Pointer_WriteBin(p, bin.p);
+    Pointer_WriteText(p, text.p);
+    Pointer_Fill(p, 0, 8);
+    EXPECT_EQ(Pointer_ReadText(p, 4), zel::EmptyText());
+    wchar_t buffer[4] = {0, L'a', L'b', 0};
+    Pointer_SetAddress(p, AsInt(buffer));
+    Pointer_WriteBin(p, zel::EmptyBin());
+    EXPECT_TRUE(buffer[0] == 0 && Pointer_ReadText(p, 3) == zel::EmptyText());
 }

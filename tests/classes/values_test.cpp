@@ -13,13 +13,14 @@
 #include "owned_values.h"
 
 extern "C" {
-extern tagTBaseTypeInfo g_info_Color, g_info_Font, g_info_Rect, g_info_BinClass;
+extern tagTBaseTypeInfo g_info_Color, g_info_Font, g_info_Size, g_info_Rect, g_info_BinClass;
 void Color_Init(ZelObject*), Color_Free(ZelObject*), Font_Init(ZelObject*), Font_Free(ZelObject*);
 void Font_SetName(ZelObject*, unsigned char*), Font_FromText(ZelObject*, unsigned char*);
 int Color_Compare(ZelObject*, ZelObject*), Font_Compare(ZelObject*, ZelObject*), Font_SaveToStream(ZelObject*, ZelObject*);
+int Font_GetWeight(ZelObject*), Size_Equals(ZelObject*, ZelObject*);
 unsigned char* Font_ToText(ZelObject*);
 void Rect_Init(ZelObject*), Rect_Free(ZelObject*), Rect_Set(ZelObject*, int, int, int, int);
-void Rect_Union(ZelObject*, ZelObject*), Rect_Intersect(ZelObject*, ZelObject*);
+void Rect_Union(ZelObject*, ZelObject*), Rect_Intersect(ZelObject*, ZelObject*), Rect_Normalize(ZelObject*);
 void* Rect_Clone(ZelObject*);
 int Rect_GetWidth(ZelObject*), Rect_GetCenterX(ZelObject*), Rect_IsEmpty(ZelObject*), Rect_Equals(ZelObject*, ZelObject*);
 int Rect_Intersects(ZelObject*, ZelObject*), Rect_ContainsRect(ZelObject*, ZelObject*);
@@ -37,13 +38,16 @@ struct Rect : TestObject {
         return s->left == l && s->top == t && s->right == r && s->bottom == b;
     }
 };
+struct Font : TestObject {
+    explicit Font(const wchar_t* text) : TestObject(&g_info_Font, Font_Init, Font_Free) { Font_FromText(get(), Text(text)); }
+};
 }  // namespace
 
 // A missing other object (scripts may pass null) or one without its state
 // leaves the receiver alone, or empties it where the result is "in common".
 TEST(Values, AMissingOrStatelessOtherIsNeutral) {
     TestObject bare(&g_info_Rect, Rect_Init), color(&g_info_Color, Color_Init, Color_Free),
-        font(&g_info_Font, Font_Init, Font_Free);
+        font(&g_info_Font, Font_Init, Font_Free), size(&g_info_Size);
     Rect_Free(bare);
     Rect r(0, 0, 2, 2), reversed(5, 5, 1, 1);
     Rect_Union(r, nullptr);
@@ -56,6 +60,7 @@ TEST(Values, AMissingOrStatelessOtherIsNeutral) {
     EXPECT_FALSE(Rect_Equals(r, Rect(5, 5, 5, 5))) << "both empty, elsewhere";
     EXPECT_EQ(Color_Compare(color, nullptr), 0);
     EXPECT_EQ(Font_Compare(font, nullptr), -1);
+    EXPECT_FALSE(Size_Equals(size, nullptr));
 }
 
 TEST(Values, RectanglesAtTheEdgesOfTheIntegersAndTheirClones) {
@@ -108,7 +113,8 @@ TEST(Values, RectangleRelationsEdgeByEdge) {
     } cases[] = {
         {{0, 0, 10, 10}, true, true, true},
         {{-1, 0, 10, 10}, true, false, false},  // left outside
-        {{0, 0, 10, 11}, true, false, false},   // bottom outside
+        {{0, -1, 10, 10}, true, false, false},  // top outside
+        {{0, 0, 11, 10}, true, false, false},   // right outside
         {{0, 0, 10, 9}, true, true, false},     // only the bottom differs
         {{2, 10, 8, 20}, false, false, false},  // beside it vertically
         {{10, 2, 20, 8}, false, false, false},  // beside it horizontally
@@ -124,4 +130,21 @@ TEST(Values, RectangleRelationsEdgeByEdge) {
         Rect_Intersect(other, base);  // an empty other stays empty, the rest is clipped
         EXPECT_EQ(Rect_IsEmpty(other), !c.intersects) << where;
     }
+}
+
+TEST(Values, NormalizeSwapsOnlyReversedPairs) {
+    Rect across(3, 2, 1, 4), down(1, 4, 3, 2);
+    Rect_Normalize(across);
+    Rect_Normalize(down);
+    EXPECT_TRUE(across.Is(1, 2, 3, 4) && down.Is(1, 2, 3, 4));
+}
+
+// Fonts compare as 0 only when their names differ and all six attributes
+// agree; one differing attribute, whichever, gives -1.
+TEST(Values, FontsDifferByAnyOneAttribute) {
+    Font base(L"宋体, 1, 2, 3, 4, 5, 6");
+    const wchar_t* differing[] = {L"黑体, 9, 2, 3, 4, 5, 6", L"黑体, 1, 9, 3, 4, 5, 6", L"黑体, 1, 2, 9, 4, 5, 6",
+                                  L"黑体, 1, 2, 3, 9, 5, 6", L"黑体, 1, 2, 3, 4, 9, 6", L"黑体, 1, 2, 3, 4, 5, 9"};
+    for (const wchar_t* text : differing) EXPECT_EQ(Font_Compare(base, Font(text)), -1) << text;
+    EXPECT_EQ(Font_GetWeight(Font(L"楷体, 1, 2, 3, 4, 5, 6, 77, 88")), 6) << "items past the seventh are ignored";
 }

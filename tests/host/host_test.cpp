@@ -226,13 +226,6 @@ TEST(Script, NestingHasALimit) {
     ExpectAll(links.err, {"t.zs:1:408: error: syntax error: nested too deeply"});
 }
 
-TEST(Describe, ShowPairsPropertiesAndNamesTypes) {
-    std::ostringstream out, err;
-    ASSERT_EQ(ShowClass(Cls(L"测试.计数器")->lib, L"测试.计数器", out, err), 0);
-    ExpectAll(out.str(), {"值: 整数  (get #1, set #2)", "#4 缩放(因子: 小数) → 小数  [method]", "bound to Counter_Serialize",
-                          "hooks: Counter_Init, Counter_Free, Counter_Serialize"});
-}
-
 TEST(Describe, CheckFindsDescriptorFaults) {
     std::string e;
     Library* lib = OpenLibrary(std::string(ZEL_FIXTURE_DIR) + "/坏.ncl", &e);

@@ -39,6 +39,7 @@ TEST_F(FileClassTest, WritesStayInsideTheBlock) {
     // Words 1..4 are 1, 8, "abcd", "efgh": no zero unit. Words 1..3 are 1, 6, 0.
     Owned noZero(MakeBin("abcdefgh")), stopsAtZero(MakeBin(std::string("\0\0\0\0ab", 6)));
     EXPECT_TRUE(TextFile_Write(text, noZero.h) == 4 && TextFile_Write(text, stopsAtZero.h) == 2);
+    EXPECT_EQ(TextFile_Read(text, 0, nullptr), zel::EmptyBin());
     TextFile_Free(text);
     EXPECT_EQ(ReadFileBytes(dir.Path("le")), std::string("\xFF\xFE\1\0\0\0\1\0", 8));
 }
@@ -75,7 +76,8 @@ TEST_F(FileClassTest, ShortAndPartialSignatures) {
     struct Case {
         std::string bytes;
         int type;
-    } cases[] = {{"\xEF\xBB", 1}, {"\xEF" "ab", 1}, {"\xFF", 1}, {"\xFE" "a", 1}, {"\xFE\xFF", 3}, {"ab", 5}};
+    } cases[] = {{"\xEF\xBB", 1}, {"\xEF\xBB" "a", 1}, {"\xEF" "ab", 1}, {"\xFF", 1},
+                 {"\xFF" "a", 1},   {"\xFE" "a", 1},     {"\xFE\xFF", 3}, {"ab", 5}};
     for (const Case& c : cases) {
         Owned name(zel::NewText(Make("sig", c.bytes).c_str()));
         EXPECT_EQ(BinaryFile_GetFileType(bin, name.h), c.type) << c.bytes;
@@ -84,10 +86,15 @@ TEST_F(FileClassTest, ShortAndPartialSignatures) {
     EXPECT_EQ(BinaryFile_ReadFile(bin, PathText("sig").h, 4), zel::EmptyBin());
 }
 
-// The text file on a multibyte file seeks by bytes; a failed buffer makes the
-// plain file's read give nothing.
-TEST_F(FileClassTest, MultibyteSeeksAndAFailedBuffer) {
+// Reads of nothing and writes of a zero count change nothing; the text file
+// on a multibyte file seeks by bytes; a failed buffer makes the plain file's
+// read give nothing.
+TEST_F(FileClassTest, EmptyReadsMultibyteSeeksAndAFailedBuffer) {
     Owned path(zel::NewText(Make("ten", "0123456789").c_str()));
+    ASSERT_EQ(File_Open(file, path.h, 4), 1);
+    int zeroCount[] = {0, 0, 4, 0};
+    EXPECT_EQ(File_Write(file, reinterpret_cast<unsigned char*>(zeroCount)), 0);
+    EXPECT_EQ(File_Read(file, 0, nullptr), zel::EmptyBin());
     ASSERT_EQ(TextFile_Open(text, path.h, 1, 2), 1);
     EXPECT_TRUE(TextFile_Seek(text, reinterpret_cast<unsigned char*>(SEEK_SET), 4) == 0 && TextFile_GetPosition(text) == 4);
     EXPECT_TRUE(TextFile_SeekCurrent(text, 2) == 0 && TextFile_GetPosition(text) == 6);
@@ -103,6 +110,9 @@ TEST_F(FileClassTest, MultibyteSeeksAndAFailedBuffer) {
 // its allocations: whole or null).
 TEST(MemoryFile, CloneCopiesBytesAndPosition) {
     TestObject file(&g_info_MemoryFile, MemoryFile_Init, MemoryFile_Free);
+    int success = 0;  // an empty file: nothing to read, write or hand out
+    EXPECT_TRUE(MemoryFile_Read(file, 0, &success) == zel::EmptyBin() && success == 1);
+    EXPECT_TRUE(MemoryFile_Write(file, zel::EmptyBin()) == 0 && MemoryFile_GetBytes(file) == zel::EmptyBin());
     Owned abc(MakeBin("abc"));
     MemoryFile_Write(file, abc.h);
     MemoryFile_SeekFromBegin(file, 1);

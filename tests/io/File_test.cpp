@@ -37,6 +37,18 @@ TEST_F(FileTest, ModesLengthAndSetLength) {
     EXPECT_EQ(CFile(path.c_str(), 2).GetLength(), 0);
 }
 
+// A closed or never opened file (a script may call on after 关闭) touches no
+// null FILE*: neutral results throughout.
+TEST_F(FileTest, UnopenedFileGivesNeutralResults) {
+    CFile f;
+    char buf[4];
+    EXPECT_TRUE(f.GetPosition() == -1 && f.Seek(0, SEEK_SET) == -1 && f.SeekToEnd() == -1 && f.GetLength() == -1);
+    EXPECT_TRUE(f.Read(buf, 4) == 0 && f.Write(buf, 4) == 0 && f.Fputc('a') == EOF && f.IsEOF() == 0 && f.Close() == 0);
+    CTextFile t(dir.WPath("absent").c_str(), 1, 0);  // a wide default without a file
+    EXPECT_TRUE(t.GetPosition() == -1 && t.Seek(1, SEEK_SET) == -1 && t.SeekToBegin() == -1 && t.GetLength() == -1);
+    EXPECT_TRUE(t.Read(nullptr, 4) == 0 && t.Write(L"xab", 4) == 0 && t.Flush() == 0);
+}
+
 TEST_F(FileTest, RepeatedOpensLeakNoDescriptor) {
     std::wstring wide = Make("wide", kWideLE), plain = Make("plain", "abc");
     int before = OpenDescriptors();
@@ -58,6 +70,7 @@ TEST_F(FileTest, EncodingComesFromTheWideSignaturesOnly) {
         int defaultEncoding, expected;
     } cases[] = {{"\xFF\xFE" "ab", 2, 0}, {"\xFE\xFF" "ab", 2, 1},
                  {"\xFF", 2, 2},               // one byte: the pair is FF 00
+                 {"\xFE" "a", 2, 2},           // FE alone is no signature
                  {"", 3, 3},                   // nothing read keeps the default
                  {"\xEF\xBB\xBF" "ab", 2, 2}};  // the UTF-8 signature is not recognised
     for (const Case& c : cases) {
@@ -69,7 +82,8 @@ TEST_F(FileTest, EncodingComesFromTheWideSignaturesOnly) {
 }
 
 // Wide files count 4-byte characters behind the signature, big-endian ones
-// scaled twice where the length is set; multibyte files count bytes.
+// scaled twice where the length is set; multibyte files count bytes; signed
+// UTF-8 files never seek.
 TEST_F(FileTest, SeeksScaleByTheEncoding) {
     CTextFile be(Make("be", std::string("\xFE\xFF", 2) + std::string(24, 'x')).c_str(), 1, 2);
     EXPECT_TRUE(be.GetEncoding() == 1 && be.Seek(5, SEEK_SET) == 0 && BytePosition(be) == 22);
@@ -81,6 +95,10 @@ TEST_F(FileTest, SeeksScaleByTheEncoding) {
     CTextFile mb(Make("mb", "0123456789").c_str(), 1, 2);
     EXPECT_TRUE(mb.Seek(4, SEEK_SET) == 0 && mb.GetPosition() == 4);
     EXPECT_TRUE(mb.GetLength() == 0 && mb.GetPosition() == 10);
+
+    CTextFile u8;  // Open, unlike the constructor, stands behind the signature
+    ASSERT_TRUE(u8.Open(Make("u8", "\xEF\xBB\xBF" "abcdef").c_str(), 1, 3));
+    EXPECT_TRUE(u8.Seek(2, SEEK_SET) == 0 && u8.SetLength(1) == 3 && u8.GetPosition() == 3);
 }
 
 // Read counts what was there and releases the caller's buffer; a multibyte

@@ -57,7 +57,17 @@ TEST(MemoryStream, CopiesTakeBytesNotPositions) {
     CMemoryStream b(a);  // a new stream reads from the start
     EXPECT_TRUE(b.GetPosition() == 0 && Bytes(b) == Bytes(a));
     c = a;  // an assigned one keeps its own position
+    c = c;
     EXPECT_TRUE(c.ReadInt() == 2 && c.GetLength() == 8);
+}
+
+TEST(MemoryStream, EmptyDataAndAMissingByteSet) {
+    CMemoryStream s;
+    s.InitData(const_cast<char*>("abcd"), 4);
+    s.InitData(const_cast<char*>("xyz"), 0);
+    EXPECT_TRUE(s.GetLength() == 0 && s.GetData() == nullptr && !s.IsDataValid(-1));
+    s.WriteBinData(nullptr);  // written as a zero length
+    EXPECT_TRUE(s.GetLength() == 4 && s.ReadInt() == 0);
 }
 
 }  // namespace

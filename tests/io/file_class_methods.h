@@ -21,5 +21,5 @@ int BinaryFile_WriteFile(ZelObject*, unsigned char*, unsigned char*, int);
 void MemoryFile_Init(ZelObject*), MemoryFile_Free(ZelObject*);
 void* MemoryFile_Clone(ZelObject*);
 int MemoryFile_Write(ZelObject*, unsigned char*), MemoryFile_SeekFromBegin(ZelObject*, int), MemoryFile_GetPosition(ZelObject*);
-unsigned char* MemoryFile_GetBytes(ZelObject*);
+unsigned char *MemoryFile_GetBytes(ZelObject*), *MemoryFile_Read(ZelObject*, int, int*);
 }
