@@ -155,15 +155,10 @@ TEST(ScriptErrors, HooksThatRaise) {
 TEST(ScriptErrors, LongLinesShowAWindowAroundTheFault) {
     std::string many;
     for (int k = 0; k < 150; ++k) many += "1, ";
-    ScriptRun r = RunText("print " + many + "cc, " + many + "1\n");
-    ASSERT_EQ(r.status, 1);
-    size_t source = r.err.find("\n    ...");
-    ASSERT_NE(source, std::string::npos) << r.err;
-    size_t lineEnd = r.err.find('\n', source + 1);
-    std::string shown = r.err.substr(source + 1, lineEnd - source - 1);
-    std::string caret = r.err.substr(lineEnd + 1, r.err.find('\n', lineEnd + 1) - lineEnd - 1);
-    EXPECT_EQ(shown.substr(shown.size() - 3), "...");
-    EXPECT_LT(shown.size(), 200u);
+    std::istringstream err(RunText("print " + many + "cc, " + many + "1\n").err);
+    std::string message, shown, caret;
+    std::getline(err, message), std::getline(err, shown), std::getline(err, caret);
+    EXPECT_TRUE(shown.rfind("    ...", 0) == 0 && shown.size() < 200 && shown.substr(shown.size() - 3) == "...") << shown;
     EXPECT_EQ(caret.find('^'), shown.find("cc")) << shown << "\n" << caret;
     EXPECT_EQ(caret.substr(caret.find('^')), "^~");
 }
