@@ -142,9 +142,11 @@ TEST(Values, NormalizeSwapsOnlyReversedPairs) {
 // Fonts compare as 0 only when their names differ and all six attributes
 // agree; one differing attribute, whichever, gives -1.
 TEST(Values, FontsDifferByAnyOneAttribute) {
+    CountingRuntime runtime;  // the runtime takes back the items' texts
     Font base(L"宋体, 1, 2, 3, 4, 5, 6");
     const wchar_t* differing[] = {L"黑体, 9, 2, 3, 4, 5, 6", L"黑体, 1, 9, 3, 4, 5, 6", L"黑体, 1, 2, 9, 4, 5, 6",
                                   L"黑体, 1, 2, 3, 9, 5, 6", L"黑体, 1, 2, 3, 4, 9, 6", L"黑体, 1, 2, 3, 4, 5, 9"};
     for (const wchar_t* text : differing) EXPECT_EQ(Font_Compare(base, Font(text)), -1) << text;
     EXPECT_EQ(Font_GetWeight(Font(L"楷体, 1, 2, 3, 4, 5, 6, 77, 88")), 6) << "items past the seventh are ignored";
+    EXPECT_EQ(runtime.LiveValues(), 0);
 }
