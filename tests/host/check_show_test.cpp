@@ -19,20 +19,16 @@ Library* Open(const std::string& name) {
     return lib;
 }
 
-struct Described { int check; std::string findings, list, listErr, doc; };
+struct Described { int check; std::string findings; };
 
-// Every description of the library, so that each runs over the broken records.
+// Every description of the library runs over the broken records; the check's
+// findings are kept.
 Described Describe(Library* lib) {
-    Described d;
-    std::ostringstream out, err, list, listErr, doc, docErr;
-    d.check = CheckLibrary(lib, out, err);
-    d.findings = out.str();
-    ListLibrary(lib, list, listErr);
-    d.list = list.str();
-    d.listErr = listErr.str();
-    DocLibrary(lib, doc, docErr);
-    d.doc = doc.str();
-    return d;
+    std::ostringstream out, err, ignored;
+    int check = CheckLibrary(lib, out, err);
+    ListLibrary(lib, ignored, ignored);
+    DocLibrary(lib, ignored, ignored);
+    return {check, out.str()};
 }
 
 std::string Show(Library* lib, const wchar_t* cls) {
@@ -96,16 +92,6 @@ TEST(CheckGroups, EachFindingNamesItsClassAndItem) {
     // Lists of types and arrays of basic types are known types.
     EXPECT_EQ(Describe(Open("哈希")).findings.find("乙: unknown type"), std::string::npos);
     EXPECT_EQ(Describe(Open("哈希")).findings.find("丙: unknown type"), std::string::npos);
-}
-
-TEST(CheckGroups, ListNamesUnknownRecordsAndTheFailedNotification) {
-    Described callbacks = Describe(Open("回调"));
-    EXPECT_NE(callbacks.listErr.find("ZelNotifyLib(1) returned -1"), std::string::npos) << callbacks.listErr;
-    EXPECT_NE(callbacks.list.find("classes 2"), std::string::npos) << callbacks.list;
-    Described tables = Describe(Open("表"));
-    EXPECT_NE(tables.list.find("class 表.怪  record ?"), std::string::npos) << tables.list;
-    Described nameless = Describe(Open("空名"));
-    EXPECT_NE(nameless.list.find("classes 0"), std::string::npos) << nameless.list;
 }
 
 TEST(CheckGroups, ShowDescribesInterfacesFlagsAndUnknownLevels) {
