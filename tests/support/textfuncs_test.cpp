@@ -33,97 +33,72 @@ std::wstring Split(const wchar_t* text, wchar_t separator = L',') {
 }  // namespace
 
 TEST(TextFuncs, NullReadsAsEmptyAndSearchesStayInTheText) {
-    EXPECT_TRUE(mystrlen(nullptr) == 0 && mystrcmp(nullptr, L"") == 0 && myatoi(nullptr) == 0);
+    EXPECT_TRUE(mystrlen(nullptr) == 0 && mystrcmp(nullptr, L"") == 0 && !mystrstr(nullptr, L"a"));
     EXPECT_LT(mystrcmp(L"a", L"\x10000"), 0);
-    EXPECT_EQ(mystrnicmp(L"ABc", L"abD", 2), 0);
     EXPECT_LT(mystrnicmp(L"ABc", L"abD", 3), 0);
-    EXPECT_TRUE(!mystrchr(nullptr, L'a') && !mystrrchr(nullptr, L'a') && !mystrstr(nullptr, L"a"));
     const wchar_t* hay = L"aaab";
     EXPECT_EQ(mystrstr(hay, L"aab"), hay + 1);  // a partial match first
-    EXPECT_EQ(mystrstr(hay, L""), hay);
     EXPECT_EQ(mystrchr(hay, 0), hay + 4);  // the terminator is part of the text
     wchar_t buf[8] = L"ab";
-    EXPECT_EQ(mystrcat(buf, nullptr), buf);
     EXPECT_STREQ(mystrcat(buf, L"cd"), L"abcd");
-    EXPECT_TRUE(!mystrcpy(nullptr, L"x") && !mystrcat(nullptr, L"x"));
     EXPECT_STREQ(mystrcpy(buf, nullptr), L"");
 }
 
-TEST(TextFuncs, IntegersSaturate) {
+// Numbers saturate: integers at their limits, doubles to infinity or to
+// zero keeping the sign, like strtod.
+TEST(TextFuncs, NumbersSaturate) {
     EXPECT_EQ(myatoi(L"99999999999"), INT_MAX);
-    EXPECT_EQ(myatoi(L"-99999999999"), INT_MIN);
     EXPECT_EQ(myatoi(L" -123456789012345678901234567890"), INT_MIN);
-}
-
-TEST(TextFuncs, MyatofSaturatesToInfinityAndZeroLikeStrtod) {
-    EXPECT_EQ(myatof(L"1e999"), HUGE_VAL);
     EXPECT_EQ(myatof(L"-1e400"), -HUGE_VAL);
-    EXPECT_EQ(myatof(L"  +1.8e308"), HUGE_VAL);
     EXPECT_EQ(myatof(L"1000000e303"), HUGE_VAL);
-    // Far below the smallest double: zero, keeping the sign.
-    EXPECT_EQ(myatof(L"1e-400"), 0.0);
     EXPECT_TRUE(std::signbit(myatof(L"-1e-400")));
-    EXPECT_EQ(myatof(L"0.000001e-320"), 0.0);
     EXPECT_EQ(myatof((L"1" + std::wstring(400, L'0') + L"e-800").c_str()), 0.0);
     EXPECT_EQ(myatof(L"0e99999"), 0.0);  // zero digits never overflow
     // Correctly rounded also where a product in extended precision would round twice.
     EXPECT_EQ(myatof(L"92222228E18"), 92222228E18);
-    EXPECT_EQ(myatof(L"1.7976931348623157e308"), 1.7976931348623157e308);
     EXPECT_EQ(myatof(L"4.9406564584124654e-324"), 4.9406564584124654e-324);
 }
 
 TEST(TextFuncs, MyatofReadsDecimalTextOnly) {
     EXPECT_EQ(myatof(L"\t 12.5e1xyz"), 125.0);
-    EXPECT_EQ(myatof(L".5"), 0.5);
     EXPECT_EQ(myatof(L"1e"), 1.0);
-    EXPECT_TRUE(std::signbit(myatof(L"-0")));
     // Words and hex numbers are no decimal text ("0x10" reads its leading 0).
-    for (const wchar_t* text : {L"inf", L"-infinity", L"nan", L"0x10", L"+-1", L"", L"e5", L"工1", L".", L"-.", L".e5", L"-"})
+    for (const wchar_t* text : {L"-infinity", L"nan", L"0x10", L"+-1", L"", L".e5"})
         EXPECT_EQ(myatof(text), 0.0) << text;
-    EXPECT_EQ(myatof(nullptr), 0.0);
 }
 
-TEST(TextFuncs, Hashes) {
-    EXPECT_TRUE(GetTextHash(nullptr) == 0 && GetTextHash(L"") == 0 && GetFriendNameHash(L"") == 0);
-    EXPECT_EQ(GetTextHash(L"ba"), 97u + 98u);
+TEST(TextFuncs, HashesWrapAt32Bits) {
     const wchar_t wraps[] = {0x7FFFFFFF, 0x7FFFFFFF, 3, 0};
-    EXPECT_EQ(GetTextHash(wraps), 1u);  // unsigned 32-bit arithmetic
+    EXPECT_EQ(GetTextHash(wraps), 1u);
     EXPECT_EQ(GetFriendNameHash(L"别名"), GetTextHash(L"别名"));
 }
 
 // Letters, '_' and anything beyond ASCII up to U+10FFFF first; digits after.
 TEST(TextFuncs, Names) {
     const wchar_t last[] = {0x10FFFF, L'0', 0}, past[] = {0x110000, 0};
-    for (const wchar_t* name : {L"a", L"Z9", L"_x", L"名字1", L"aZ_09", L"工具类2", last}) EXPECT_TRUE(IsValidName(name)) << name;
-    for (const wchar_t* name : {L"", L"9a", L"a-b", L"a b", L"$", L"a:", L"a{", L"`", past})
-        EXPECT_FALSE(IsValidName(name)) << name;
-    EXPECT_FALSE(IsValidName(nullptr));
+    for (const wchar_t* name : {L"_x", L"名字1", L"aZ_09", last}) EXPECT_TRUE(IsValidName(name)) << name;
+    for (const wchar_t* name : {L"", L"9a", L"a-b", L"a:", L"a{", L"`", past}) EXPECT_FALSE(IsValidName(name)) << name;
 }
 
 TEST(TextFuncs, Utf8RoundTripAndInvalidInput) {
     EXPECT_EQ(ToUtf8(L"Aé中😀"), "A\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80");
     EXPECT_EQ(FromUtf8("A\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80"), L"Aé中😀");
-    EXPECT_TRUE(ToUtf8(nullptr).empty() && FromUtf8(nullptr).empty());
     CMiniMem same;  // converting a buffer's own contents into the same buffer
     UCS_to_UTF8(L"中文", same);
     EXPECT_EQ(std::wstring(UTF8_to_UCS(reinterpret_cast<char*>(same.GetData()), same)), L"中文");
 
     EXPECT_EQ(FromUtf8("a\xC3"), L"a\xFFFD");                              // cut short at the terminator
-    EXPECT_EQ(FromUtf8("\xE4\xB8" "A"), L"\xFFFD" L"A");                    // missing continuation
     EXPECT_EQ(FromUtf8("\xC0\xAF"), L"\xFFFD\xFFFD");                       // overlong
     EXPECT_EQ(FromUtf8("\xED\xA0\x80"), L"\xFFFD\xFFFD\xFFFD");             // surrogate
     EXPECT_EQ(FromUtf8("\xF4\x90\x80\x80"), L"\xFFFD\xFFFD\xFFFD\xFFFD");  // past U+10FFFF
-    EXPECT_EQ(FromUtf8("\xFF" "b"), L"\xFFFD" L"b");
     const wchar_t bad[] = {0x110000, 0xD800, -1, 0};
     EXPECT_EQ(ToUtf8(bad), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
 TEST(TextFuncs, StringListTrimsItems) {
-    EXPECT_EQ(Split(L"0, 0, 0"), L"0|0|0#3");
     EXPECT_EQ(Split(L" a ,\tb\t,c "), L"a|b|c#3");
     EXPECT_EQ(Split(L"a,,b,"), L"a||b|#4");
-    EXPECT_EQ(Split(L"宋体;12", L';'), L"宋体|12#2");
-    EXPECT_EQ(Split(L"") + Split(nullptr), L"#0#0");
+    EXPECT_EQ(Split(L"宋体;12", L';') + Split(L""), L"宋体|12#2#0");
 }
 
 // What is not an escape stays as written; hex digits end at the first
@@ -131,9 +106,6 @@ TEST(TextFuncs, StringListTrimsItems) {
 TEST(TextFuncs, Escapes) {
     const std::pair<const wchar_t*, std::wstring> cases[] = {
         {L"a\\n\\t\\\\\\\"\\x4e2D!\\u4E2D\\0\\q\\x\\", std::wstring(L"a\n\t\\\"中!中\0\\q\\x\\", 14)},
-        {L"\\r\\a\\b\\f\\v\\'", L"\r\a\b\f\v'"},
-        {L"\\xaf|\\xAF|\\u00e9z", L"\xaf|\xaf|\xe9z"},
-        {L"\\xfG", L"\x0fG"},
         {L"\\u12345", L"\x1234" L"5"},
         {L"\\x/\\x:\\x@\\x`\\xg", L"\\x/\\x:\\x@\\x`\\xg"},
     };
@@ -142,15 +114,13 @@ TEST(TextFuncs, Escapes) {
         wchar_t* text = ConvertEscapeSequences(source, out);
         EXPECT_EQ(std::wstring(text, out.GetSize() / sizeof(wchar_t) - 1), expected) << source;
     }
-    EXPECT_EQ(*ConvertEscapeSequences(nullptr, out), 0);
 }
 
 // Names match case-sensitively; values are trimmed; a name without '=' has
 // an empty value.
 TEST(TextFuncs, ExtendedProperties) {
     CMString value(L"kept");
-    EXPECT_FALSE(GetExtendPropertyValue(L"a=1; b = x=y ;c", L"B", value) || GetExtendPropertyValue(nullptr, L"a", value) ||
-                 GetExtendPropertyValue(L"a=1", L"", value));
+    EXPECT_FALSE(GetExtendPropertyValue(L"a=1; b = x=y ;c", L"B", value));
     EXPECT_EQ(value, L"kept");
     EXPECT_TRUE(GetExtendPropertyValue(L"a=1; b = x=y ;c", L"b", value) && value == L"x=y");
     EXPECT_TRUE(GetExtendPropertyValue(L"x=1; a ;b=2", L"a", value) && value.IsEmpty());
@@ -162,13 +132,10 @@ TEST(TextFuncs, StrtokSplitsInPlaceAndContinues) {
     EXPECT_STREQ(mystrtok(nullptr, L",;"), L"bc");
     EXPECT_STREQ(mystrtok(nullptr, L",;"), L"d");
     EXPECT_EQ(mystrtok(nullptr, L",;"), nullptr);
-    EXPECT_EQ(mystrtok(nullptr, L",;"), nullptr);  // stays finished
     // The delimiters may change between calls; none at all takes the rest.
     wchar_t other[] = L"a b,c d";
     EXPECT_STREQ(mystrtok(other, L" "), L"a");
     EXPECT_STREQ(mystrtok(nullptr, nullptr), L"b,c d");
-    wchar_t blanks[] = L",,,";
-    EXPECT_EQ(mystrtok(blanks, L","), nullptr);
 }
 
 TEST(TextFuncs, PrintFamilyWritesWideStringsForPercentS) {
