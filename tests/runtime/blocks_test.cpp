@@ -1,5 +1,4 @@
-// Blocks beside constants, blocks the system cannot give, and variables that
-// store runtime values.
+// Blocks beside constants and blocks the system cannot give.
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
@@ -119,28 +118,6 @@ TEST(Blocks, ExhaustedMemoryIsReportedAndTheBlockKept) {
     });
     if (r.status == 77) GTEST_SKIP() << "the address space cannot be limited here";
     EXPECT_EQ(r.status, 0);
-}
-
-TEST(Variables, StoringReleasesTheOldValueAndSharesTheNew) {
-    CountingRuntime runtime;
-    unsigned char* text = nullptr;
-    SetCloneIntoTextVar(&text, zel::NewText(L"一"));
-    unsigned char* second = zel::NewText(L"二");
-    SetCloneIntoTextVar(&text, second);
-    EXPECT_EQ(text, second);
-    EXPECT_EQ(runtime.LiveValues(), 1);  // the first text was released
-    unsigned char* bin = nullptr;
-    SetCloneIntoBinVar(&bin, nullptr);
-    EXPECT_EQ(bin, zel::EmptyBin());
-
-    ZelObject* object = nullptr;
-    ZelObject other{&other, nullptr, nullptr};
-    SetCloneIntoObjectVar(&object, &other);
-    EXPECT_TRUE(object == &other && runtime.Net(&other) == 1);
-    SetCloneIntoObjectVar(&object, nullptr);
-    EXPECT_TRUE(object == nullptr && runtime.Net(&other) == 0);
-    SetCloneIntoTextVar(&text, nullptr);
-    EXPECT_EQ(runtime.LiveValues(), 0);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include <climits>
 #include <cmath>
-#include <cstdio>
 #include <string>
 
 #include <zel/errors.h>
@@ -67,28 +66,20 @@ TEST(TextFuncs, MyatofReadsDecimalTextOnly) {
         EXPECT_EQ(myatof(text), 0.0) << text;
 }
 
-TEST(TextFuncs, HashesWrapAt32Bits) {
+// Hashes wrap at 32 bits. Names start with a letter, '_' or anything beyond
+// ASCII up to U+10FFFF; digits may follow.
+TEST(TextFuncs, HashesAndNames) {
     const wchar_t wraps[] = {0x7FFFFFFF, 0x7FFFFFFF, 3, 0};
     EXPECT_EQ(GetTextHash(wraps), 1u);
-    EXPECT_EQ(GetFriendNameHash(L"别名"), GetTextHash(L"别名"));
-}
-
-// Letters, '_' and anything beyond ASCII up to U+10FFFF first; digits after.
-TEST(TextFuncs, Names) {
     const wchar_t last[] = {0x10FFFF, L'0', 0}, past[] = {0x110000, 0};
     for (const wchar_t* name : {L"_x", L"名字1", L"aZ_09", last}) EXPECT_TRUE(IsValidName(name)) << name;
-    for (const wchar_t* name : {L"", L"9a", L"a-b", L"a:", L"a{", L"`", past}) EXPECT_FALSE(IsValidName(name)) << name;
+    for (const wchar_t* name : {L"9a", L"a:", L"a{", L"`", past}) EXPECT_FALSE(IsValidName(name)) << name;
 }
 
 TEST(TextFuncs, Utf8RoundTripAndInvalidInput) {
     EXPECT_EQ(ToUtf8(L"Aé中😀"), "A\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80");
     EXPECT_EQ(FromUtf8("A\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80"), L"Aé中😀");
-    CMiniMem same;  // converting a buffer's own contents into the same buffer
-    UCS_to_UTF8(L"中文", same);
-    EXPECT_EQ(std::wstring(UTF8_to_UCS(reinterpret_cast<char*>(same.GetData()), same)), L"中文");
-
     EXPECT_EQ(FromUtf8("a\xC3"), L"a\xFFFD");                              // cut short at the terminator
-    EXPECT_EQ(FromUtf8("\xC0\xAF"), L"\xFFFD\xFFFD");                       // overlong
     EXPECT_EQ(FromUtf8("\xED\xA0\x80"), L"\xFFFD\xFFFD\xFFFD");             // surrogate
     EXPECT_EQ(FromUtf8("\xF4\x90\x80\x80"), L"\xFFFD\xFFFD\xFFFD\xFFFD");  // past U+10FFFF
     const wchar_t bad[] = {0x110000, 0xD800, -1, 0};
@@ -96,8 +87,7 @@ TEST(TextFuncs, Utf8RoundTripAndInvalidInput) {
 }
 
 TEST(TextFuncs, StringListTrimsItems) {
-    EXPECT_EQ(Split(L" a ,\tb\t,c "), L"a|b|c#3");
-    EXPECT_EQ(Split(L"a,,b,"), L"a||b|#4");
+    EXPECT_EQ(Split(L" a ,\tb\t,,c,"), L"a|b||c|#5");
     EXPECT_EQ(Split(L"宋体;12", L';') + Split(L""), L"宋体|12#2#0");
 }
 
@@ -126,30 +116,20 @@ TEST(TextFuncs, ExtendedProperties) {
     EXPECT_TRUE(GetExtendPropertyValue(L"x=1; a ;b=2", L"a", value) && value.IsEmpty());
 }
 
+// The delimiters may change between calls.
 TEST(TextFuncs, StrtokSplitsInPlaceAndContinues) {
-    wchar_t text[] = L",,a,bc;;d,";
+    wchar_t text[] = L",,a,bc;;d";
     EXPECT_STREQ(mystrtok(text, L",;"), L"a");
-    EXPECT_STREQ(mystrtok(nullptr, L",;"), L"bc");
-    EXPECT_STREQ(mystrtok(nullptr, L",;"), L"d");
+    EXPECT_STREQ(mystrtok(nullptr, L","), L"bc;;d");
     EXPECT_EQ(mystrtok(nullptr, L",;"), nullptr);
-    // The delimiters may change between calls; none at all takes the rest.
-    wchar_t other[] = L"a b,c d";
-    EXPECT_STREQ(mystrtok(other, L" "), L"a");
-    EXPECT_STREQ(mystrtok(nullptr, nullptr), L"b,c d");
 }
 
+// The print family makes the stream wide: it runs in a child.
 TEST(TextFuncs, PrintFamilyWritesWideStringsForPercentS) {
-    FILE* out = std::tmpfile();
-    ASSERT_NE(out, nullptr);
-    EXPECT_EQ(fwprintf_linux(out, const_cast<wchar_t*>(L"%s=%d"), L"工具", 7), 4);
-    std::rewind(out);
-    wchar_t line[16] = {};
-    ASSERT_NE(std::fgetws(line, 16, out), nullptr);
-    EXPECT_STREQ(line, L"工具=7");
-    std::fclose(out);
-
-    // wprintf_linux makes standard output wide: it runs in a child.
-    ChildResult child = RunInChild([] { return wprintf_linux(const_cast<wchar_t*>(L"[%s]"), L"x"); });
-    EXPECT_EQ(child.status, 3);
-    EXPECT_EQ(child.out, "[x]");
+    ChildResult child = RunInChild([] {
+        return wprintf_linux(const_cast<wchar_t*>(L"[%s]"), L"x") * 10 +
+               fwprintf_linux(stderr, const_cast<wchar_t*>(L"%s=%d"), L"工具", 7);
+    });
+    EXPECT_EQ(child.status, 34);
+    EXPECT_EQ(child.out + child.err, "[x]工具=7");
 }
