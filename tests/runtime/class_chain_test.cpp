@@ -60,6 +60,9 @@ TEST(ClassChain, DefaultConstructorIsTheFirstFoundFromTheLevelDown) {
     // From 9: past levels above the chain, the top's non-defaults, the absent
     // and the table-less levels.
     for (int level : {9, 0, -1}) MCallClassDefaultConstructor(object.get(), level);
+    ChainedObject none({&noTable, &top});
+    MCallClassDefaultConstructor(none.get(), 1);
+    MCallClassDefaultConstructor(nullptr, 3);
     EXPECT_EQ(g_ran, (std::vector<std::string>{"middle", "lowest"}));
 }
 
@@ -73,7 +76,7 @@ TEST(ClassChain, NameOfTheOwnClassAndTheEventShortName) {
     GetEventShortName(shortName, object.get());
     EXPECT_STREQ(shortName.GetText(), L"自己");
     // After the last slash the dots are kept; one word alone has no short name.
-    const std::pair<const wchar_t*, const wchar_t*> names[] = {{L"界面/按钮.单击事件", L"按钮.单击"}, {L"事件", L""}};
+    const std::pair<const wchar_t*, const wchar_t*> names[] = {{L"界面/按钮.单击事件", L"按钮.单击"}, {L"事件", L""}, {nullptr, L""}};
     for (auto [name, expected] : names) {
         shortName = L"旧";
         GetEventShortName(shortName, const_cast<wchar_t*>(name));

@@ -2,6 +2,7 @@
 // what the descriptor predicates and enumeration read.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <vector>
 
 #include <zel/class_table.h>
@@ -22,6 +23,7 @@ tagMethodItem kMethods[] = {Static(L"静态", L"_i", nullptr), Static(L"又一�
 tagElementItem kElements[] = {HiddenState()};
 
 void Collect(tagMethodItem* m, void* out) { static_cast<std::vector<tagMethodItem*>*>(out)->push_back(m); }
+void CountElement(tagElementItem*, void* n) { ++*static_cast<int*>(n); }
 
 // A class without an element table adds no methods either.
 TEST(Descriptors, EnumerationSkipsClassesWithoutElementTable) {
@@ -31,6 +33,11 @@ TEST(Descriptors, EnumerationSkipsClassesWithoutElementTable) {
     std::vector<tagMethodItem*> seen;
     EnumObjectAllMethods(object.get(), Collect, &seen);
     EXPECT_EQ(seen, (std::vector<tagMethodItem*>{&kMethods[0], &kMethods[1]}));
+    int elements = 0;
+    EnumObjectAllElements(object.get(), CountElement, &elements);
+    EnumObjectAllElements(object.get(), nullptr, &elements);  // no callback, nothing done
+    EnumObjectAllMethods(object.get(), nullptr, &seen);
+    EXPECT_EQ(elements, 1);
 }
 
 TEST(Descriptors, PropertyPredicates) {
@@ -53,7 +60,24 @@ TEST(Descriptors, PropertyPredicates) {
         m.returnType = const_cast<wchar_t*>(c.type);
         EXPECT_EQ(MethodIsReadProperty(&m), c.read) << c.flags << "/" << c.params;
         EXPECT_EQ(MethodIsWriteProperty(&m), c.write) << c.flags << "/" << c.params;
+        EXPECT_EQ(MethodIsProperty(&m), c.read || c.write);
     }
+    EXPECT_FALSE(MethodIsProperty(nullptr));
+}
+
+// A runtime offering no services: values are the library's own blocks.
+TEST(LibraryRecord, ARuntimeOfferingNoServices) {
+    tagTBaseTypeInfo bare{};
+    bare.methodCount = 40;  // a count without a table
+    ChainedObject runtime({&bare});
+    ZelNotifyLib(&g_zellib_info, NOTIFY_LIB_RUNTIME, unsigned(reinterpret_cast<uintptr_t>(runtime.get())), 0);
+    EXPECT_TRUE(g_pRuntimeClassInfo == &bare && g_pGCClassInfo == nullptr);
+    EXPECT_TRUE(ServiceFunction(&bare, 99) == nullptr && ServiceFunction(&bare, -1) == nullptr && ServiceFunction(nullptr, 1) == nullptr);
+    unsigned char* text = NewText(L"甲");
+    EXPECT_EQ(TakeOverBlock(text), text);
+    zel_free(text);
+    ZelNotifyLib(&g_zellib_info, NOTIFY_LIB_RUNTIME, 0, 0);
+    g_EmptyConst.next = g_EmptyConst.next2 = nullptr;
 }
 
 TEST(LibraryRecord, HandOverStepsAndOtherCodes) {
@@ -109,14 +133,16 @@ TEST(Registry, TableMadeAtFirstRegistrationReplacedByNameAndCleanedUp) {
     FailAllocationAfter(1);
     CBaseTypeInfoRecorder unlisted(&first);  // no memory for the table: simply not listed
     FailAllocationAfter(0);
-    EXPECT_EQ(EnumClassRecords(nullptr, out, 3), 0);
+    EXPECT_TRUE(EnumClassRecords(nullptr, out, 3) == 0 && FindClassRecord(nullptr, first.name) == nullptr);
 
     for (tagTBaseTypeInfo* record : {&first, &second, &again}) CBaseTypeInfoRecorder{record};
     EXPECT_EQ(FindClassRecord(nullptr, first.name), &again);  // the later record of a name wins
     EXPECT_EQ(EnumClassRecords(nullptr, out, 1), 1);          // no more than asked for
     EXPECT_TRUE(out[1] == nullptr && (out[0] == &again || out[0] == &second));
     EXPECT_EQ(FindClassRecord(nullptr, const_cast<wchar_t*>(L"乙")), nullptr);  // the short name is no name
+    EXPECT_EQ(FindClassRecord(nullptr, nullptr), nullptr);
     CBaseTypeInfoRecorder::CleanUp();
+    CBaseTypeInfoRecorder::CleanUp();  // a second clean-up finds nothing to do
     EXPECT_EQ(EnumClassRecords(nullptr, nullptr, 0), 0);
 }
 

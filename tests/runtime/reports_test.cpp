@@ -87,8 +87,10 @@ TEST(Console, AnswersToAQuestion) {
         std::string input;
         int answer;  // exit status of the child: 1 yes, 0 no
     } cases[] = {
-        {"?\n \ty", 1},               // anything else is skipped
+        {"?\n \tY", 1},               // anything else is skipped
+        {"y", 1},
         {"N", 0},
+        {"n", 0},
         {std::string("\0y", 2), 0},  // a zero character answers no
         {"", 0},                      // so does the end of input
     };
@@ -134,9 +136,11 @@ int ReadFiguresWithMeminfo(const char* file, const std::vector<std::string>& tex
 
 TEST(MemoryFigures, ReadFromTheMeminfoFile) {
     std::vector<std::string> texts = {
-        "MemFree: 1 kB\nMemTotal: 3 kB\n",  // in any order; the percent rounds down
+        "MemFree: \t 1 kB\nMemTotal: 3 kB\n",  // in any order; the percent rounds down
         "MemTotal: 1000 kB\n",               // no free figure: a failure
         "MemFree: 5 kB\n",                   // no total: the percent is 0, not a fault
+        "MemTotal: many\nMemFree: 1 kB\n",  // not a number
+        "",
         "MemTotal: 8 kB\nMemFree: 4 kB\n" + std::string(1100, ' '),  // 1024 bytes or more
     };
     char file[] = "/tmp/zel-meminfo-XXXXXX";
@@ -145,7 +149,7 @@ TEST(MemoryFigures, ReadFromTheMeminfoFile) {
     unlink(file);
     if (r.status == 77) GTEST_SKIP() << "no private mount namespace here";
     ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(r.out, "1 3 1 66\n0 1000 0 100\n0 0 5 0\n0 0 0 0\n");
+    EXPECT_EQ(r.out, "1 3 1 66\n0 1000 0 100\n0 0 5 0\n0 0 1 0\n0 0 0 0\n0 0 0 0\n");
 }
 
 }  // namespace

@@ -36,6 +36,9 @@ TEST(Wrappers, WrappersReleaseWhatTheyHoldUnlessDetached) {
     zel::Release(kept);
     ZelObjectWrapper none(const_cast<wchar_t*>(L"工具.坐标点"));  // this runtime makes no objects
     EXPECT_EQ(static_cast<ZelObject*>(none), nullptr);
+    ZelDataWrapper empty;
+    empty.AddRef();  // nothing held: nothing taken
+    EXPECT_EQ(empty.GetData(), nullptr);
 }
 
 // Without a runtime to take the block over, the handle is the block; a
@@ -58,6 +61,14 @@ TEST(Variables, StoringReleasesTheOldValueAndSharesTheNew) {
     unsigned char* bin = nullptr;
     SetCloneIntoBinVar(&bin, nullptr);
     EXPECT_EQ(bin, zel::EmptyBin());
+    unsigned char bytes[] = {1, 2};
+    SetCloneIntoBinVar(&bin, zel::NewBin(bytes, 2));
+    int* array = nullptr;
+    SetCloneIntoArrayVar(&array, reinterpret_cast<int*>(zel::NewBin(bytes, 2)));
+    SetCloneIntoArrayVar(&array, nullptr);
+    EXPECT_TRUE(MGetZelBinLength(bin) == 2 && array == reinterpret_cast<int*>(zel::EmptyBin()));
+    EXPECT_EQ(runtime.LiveValues(), 2);
+    SetCloneIntoBinVar(&bin, nullptr);
     ZelObject* object = nullptr;
     ZelObject other{&other, nullptr, nullptr};
     SetCloneIntoObjectVar(&object, &other);

@@ -37,7 +37,14 @@ int RecordingEquals(void* a, void* b) {
     return a == b;
 }
 
-TEST(HashKV, BucketCountFollowsThePrimeTable) {
+// The pool refuses cells it cannot size and hands a freed cell out again.
+TEST(HashKV, BucketCountFollowsThePrimeTableAndThePoolItsCells) {
+    for (int size : {0, INT32_MAX / 100 + 1}) EXPECT_EQ(CMemoryPool_HashKV(size).Malloc(), nullptr) << size;
+    CMemoryPool_HashKV pool(8);
+    pool.Free(nullptr);  // not recorded as a free cell
+    void* first = pool.Malloc();
+    pool.Free(first);
+    EXPECT_EQ(pool.Malloc(), first);
     // t = 3 * n * 0.618: 139 -> 257, 140 -> 259
     std::pair<int, int> cases[] = {{0, 2053}, {139, 257}, {140, 509}, {100000, 262007}};
     for (auto [n, buckets] : cases) EXPECT_EQ(HashKV(n).GetBucketCount(), buckets) << n;
@@ -69,10 +76,17 @@ TEST(HashKV, BucketArraysThatCannotExistAreRefused) {
     map.Set(P(1), P(2));
     map.InitHashTable(INT32_MAX);
     EXPECT_TRUE(map.GetBucketCount() == 257 && map.IsExist(P(1)));
+    zel::FailAllocationAfter(1);  // a bucket array refused by the allocator keeps the table too
+    map.InitHashTable(1000);
+    zel::FailAllocationAfter(0);
+    EXPECT_TRUE(map.GetBucketCount() == 257 && map.IsExist(P(1)));
     CPtr2PtrHashmap empty(1200000000);
     EXPECT_EQ(empty.GetBucketCount(), 0);
-    EXPECT_TRUE(empty._begin()->IsEnd());
-    void* value = nullptr;
+    void* value = P(9);
+    EXPECT_TRUE(empty._begin()->IsEnd() && !empty.Get(P(1), &value) && !value && !empty.Remove(P(1)));
+    zel::FailAllocationAfter(1);
+    EXPECT_EQ(empty.Set(P(1), P(3)), 0);
+    zel::FailAllocationAfter(0);
     EXPECT_EQ(empty.Set(P(1), P(3)), 1);
     EXPECT_EQ(empty.GetBucketCount(), 2053);
     EXPECT_TRUE(empty.Get(P(1), &value) && value == P(3));
@@ -91,6 +105,11 @@ TEST(HashKV, SetReplaceRemoveAndIterate) {
     map.Remove(P(5 + 4106));  // and the tail
     EXPECT_EQ(map.GetKV(P(5 + 2053))->next, nullptr);
 
+    HashKV_iterator a(&map), b(&map), loose;
+    a.reset(), b.reset(), loose.reset();
+    EXPECT_TRUE(a == b && !(a != b) && loose.IsEnd());  // an iterator of no table is at the end
+    b.skip();
+    EXPECT_TRUE(a != b && !(a == b));
     std::multiset<uintptr_t> expected;
     for (int i = 1; i <= 150; ++i) expected.insert(i * 2053 + i % 7);  // several per bucket
     for (uintptr_t key : expected) map.Set(P(key), P(key));
@@ -130,6 +149,7 @@ TEST(TextMap, ComparesContentsAndCanOwnKeys) {
     void* value = nullptr;
     EXPECT_TRUE(map.Get(W(L""), &value) && value == P(1));
     EXPECT_FALSE(map.IsExist(W(L"a")));
+    EXPECT_EQ(map.Remove(W(L"")), 1);
 }
 
 // Identifier-like keys (shared prefixes, same code-unit sums in places) fill
@@ -173,6 +193,8 @@ TEST(TextMap, ChainsOfMixedLengthsCompareWithinEachKey) {
         for (std::wstring other : {copy + L"9", copy.substr(0, copy.size() - 1)})
             EXPECT_EQ(map.IsExist(other.data()) != 0, texts.count(other) == 1) << other;
     }
+    for (auto& key : keys) EXPECT_EQ(map.Remove(std::wstring(key.get()).data()), 1);  // Remove compares its own way
+    EXPECT_EQ(map.GetCount(), 0);
 }
 
 TEST(ThreadSafeHashmap, RemovingTheIteratorsEntryMovesItOn) {
@@ -213,6 +235,8 @@ TEST(ThreadSafeHashmap, ConcurrentSetsGetsAndRemovesLoseNothing) {
     for (std::thread& thread : threads) thread.join();
     for (int t = 0; t < kThreads; ++t) EXPECT_EQ(mismatches[t], 0) << "thread " << t;
     EXPECT_EQ(map.GetCount(), kThreads * kKeys / 2);
+    map.RemoveAll();
+    EXPECT_EQ(map.GetCount(), 0);
 }
 
 }  // namespace

@@ -28,37 +28,29 @@ unsigned char* U(const char* s) { return reinterpret_cast<unsigned char*>(const_
 void Set(CMiniMem& m, const std::string& s) { m.Free(); m.Append(const_cast<char*>(s.data()), int(s.size())); }
 
 TEST(MiniMem, CapacityRoundsPastTheSizeAndShrinksPastOneGranuleOfSlack) {
-    CMiniMem m, exact, over;
+    CMiniMem exact, over;
     CAlignMem big(1024);
-    m.Alloc(1);
     exact.Alloc(32);
     over.Alloc(33);
     big.Alloc(1);
-    EXPECT_EQ(Shape(m) + " " + Shape(exact) + " " + Shape(over) + " " + Shape(big), "32/1 64/32 64/33 1024/1");
+    EXPECT_EQ(Shape(exact) + " " + Shape(over) + " " + Shape(big), "64/32 64/33 1024/1");
     EXPECT_EQ(CAlignMem(0).GetMemAlignSize(), 32);  // a zero granule would divide by zero
-
     unsigned char* block = over.GetData();
     EXPECT_EQ(over.Realloc(32), block);  // within one granule of slack: kept
-    EXPECT_EQ(Shape(over), "64/32");
     EXPECT_EQ(Shape(over, 31), "32/31");
     EXPECT_EQ(Shape(over, 32), "32/32");  // growing to exactly the capacity keeps the block
-    EXPECT_TRUE(!over.Realloc(-1) && Shape(over) == "32/32");
-}
+    EXPECT_TRUE(!exact.Realloc(0) && !exact.Alloc(0) && Shape(exact) == "0/0");  // 0 frees
 
-TEST(MiniMem, DetachAndXchg) {
-    CAlignMem a(1024);
-    CMiniMem b;
-    Set(a, "abc");
-    Set(b, "xy");
-    a.xchg(b);  // contents swap, the granule does not
-    EXPECT_EQ(Bytes(a) + Bytes(b) + Shape(b), "xyabc1024/3");
-    EXPECT_EQ(a.GetMemAlignSize(), 1024);
-    zel_free(a.Detach());  // a block still owned by the buffer would be freed twice
-    EXPECT_TRUE(!a.GetData() && Shape(a) == "0/0");
+    big.xchg(over);  // contents swap, the granule does not
+    EXPECT_EQ(Shape(big) + " " + Shape(over), "32/32 1024/1");
+    EXPECT_EQ(big.GetMemAlignSize(), 1024);
+    zel_free(big.Detach());  // a block still owned by the buffer would be freed twice
+    EXPECT_EQ(Shape(big), "0/0");
 }
 
 TEST(MiniMem, EditsInPlaceAndFromItsOwnBytes) {
-    CMiniMem m;
+    CMiniMem m, empty;
+    EXPECT_EQ(After(m, m.Append(empty)), "1:");
     Set(m, "ad");
     EXPECT_EQ(After(m, m.Insert(1, const_cast<char*>("bc"), 2)), "1:abcd");
     EXPECT_EQ(After(m, m.Insert(0, nullptr, 1)), std::string("1:\0abcd", 7));
@@ -72,11 +64,14 @@ TEST(MiniMem, EditsInPlaceAndFromItsOwnBytes) {
     Set(m, "abcdef");
     EXPECT_EQ(After(m, m.Remove(2, 100)), "1:ab");  // clipped at the end
     EXPECT_EQ(After(m, m.Remove(-1, 1)), "1:a");    // -1 drops n bytes from the end
+    EXPECT_EQ(After(m, m.Remove(0, 0)) + After(m, m.Insert(0, nullptr, 0)), "1:a1:a");
+    EXPECT_TRUE(m.Remove(0, 1) && !m.GetData() && !m.Remove(0, 1));
     Set(m, "abcdef");
     EXPECT_EQ(After(m, m.Replace(1, 2, U("XYZW"), 4)), "1:aXYZWdef");
     EXPECT_EQ(After(m, m.Replace(1, 4, U("q"), 1)), "1:aqdef");
-    EXPECT_EQ(After(m, m.Replace(3, 100, U("XY"), 2)), "1:aqdXY");  // only up to the end
-    EXPECT_EQ(After(m, m.Replace(0, 2, nullptr, 2)), std::string("1:\0\0dXY", 7));
+    EXPECT_EQ(After(m, m.Replace(1, 0, U("--"), 2)), "1:a--qdef");  // n = 0 inserts
+    EXPECT_EQ(After(m, m.Replace(1, 2, U(""), 0)), "1:aqdef");      // m = 0 removes
+    EXPECT_EQ(After(m, m.Replace(3, 100, nullptr, 2)), std::string("1:aqd\0\0", 7));  // only up to the end
 }
 
 TEST(MiniMem, AddersWriteLittleEndian) {
@@ -95,6 +90,7 @@ TEST(MiniMem, AddersWriteLittleEndian) {
 
     CMiniMem text;  // AddText never adds a terminator; AddStr always does
     text.AddStr(nullptr);
+    text.AddText(const_cast<wchar_t*>(L""));
     text.AddText(const_cast<wchar_t*>(L"a"));
     const wchar_t units[] = {0, L'a'};
     EXPECT_EQ(Bytes(text), std::string(reinterpret_cast<const char*>(units), sizeof units));
@@ -102,6 +98,7 @@ TEST(MiniMem, AddersWriteLittleEndian) {
     int bin[4] = {0, 1, 3, 0x7A7978};  // a byte set of 3 bytes, "xyz"
     m.Free();
     m.AddBin(reinterpret_cast<unsigned char*>(bin));
+    m.AddBin(nullptr);
     m.AddSpecNumBytes(3, 0x141, 2, 3);
     m.AddSpecNumBytes(-1);  // a count below 1 shrinks by it
     EXPECT_EQ(Bytes(m), "xyzA\2");
@@ -119,6 +116,13 @@ TEST(MiniMem, FilesReadAndWritten) {
     EXPECT_EQ(info.st_mode & 0777, 0700u);
     std::filesystem::remove(path);
     EXPECT_TRUE(back.ReadFromFile(nowhere.data(), -1) == -1 && !back.GetData());  // missing file: empty buffer
+    EXPECT_TRUE(back.ReadFromFile(nullptr, -1) == -1 && !m.WriteIntoFile(nullptr, -1) && !m.WriteIntoELFFile(nullptr, -1));
+    std::string folder = path + "_dir";
+    std::filesystem::create_directory(folder);
+    std::wstring wideFolder(folder.begin(), folder.end());
+    EXPECT_EQ(m.ReadFromFile(wideFolder.data(), 10), -1);  // a directory opens but cannot be read
+    std::filesystem::remove(folder);
+    EXPECT_EQ(m.WriteIntoELFFile(full.data(), 0), 1);  // nothing to write cannot fail
     Set(m, std::string(64 * 1024, 'z'));  // more than the stream buffers
     EXPECT_FALSE(m.WriteIntoFile(full.data(), -1) || m.WriteIntoELFFile(nowhere.data(), -1));
 }
@@ -130,28 +134,33 @@ TEST(MiniMem, RefusedEditsChangeNothing) {
     const std::string text(31, 'a');  // in a 32-byte block
     CMiniMem m, fresh;
     char x[] = "xyz";
-    std::vector<std::function<bool()>> refused = {
-        [&] { return m.Insert(-1, x, 1) == 0; },
-        [&] { return m.Append(x, INT_MAX) == 0; },
-        [&] { return m.Remove(40, 1) == 0; },
-        [&] { return m.Replace(0, -1, U("a"), 1) == 0; },
-        [&] { return m.AddSpecNumBytes(INT_MAX) == 0; },
-        [&] { return fresh.Alloc(INT_MAX - 5) == nullptr; },  // rounding up would pass INT_MAX
-    };
-    std::vector<std::function<bool()>> allocating = {
-        [&] { return m.Insert(3, x, 3) == 0; },
-        [&] { return m.Realloc(100) == nullptr; },
-        [&] { return m.AddDWord(1) == 0; },
-        [&] { return m.Append(m.GetData(), 31) == 0; },
-        [&] { return m.Replace(0, 1, m.GetData(), 30) == 0; },
+    const std::pair<bool, std::function<bool()>> edits[] = {  // (allocation fails, the edit refused)
+        {false, [&] { return m.Insert(-1, x, 1) == 0; }},
+        {false, [&] { return m.Insert(0, x, -1) == 0; }},
+        {false, [&] { return m.Insert(1, x, INT_MAX) == 0; }},
+        {false, [&] { return m.Append(nullptr, -1) == 0; }},
+        {false, [&] { return m.Remove(-1, -1) == 0; }},
+        {false, [&] { return m.Remove(0, -1) == 0; }},
+        {false, [&] { return m.Remove(-2, 1) == 0; }},
+        {false, [&] { return m.Replace(-1, 1, nullptr, 0) == 0; }},
+        {false, [&] { return m.Replace(0, 1, U("a"), -1) == 0; }},
+        {false, [&] { return m.Replace(0, 1, U("a"), INT_MAX) == 0; }},
+        {false, [&] { return m.Realloc(-4) == nullptr; }},
+        {false, [&] { return m.Append(x, INT_MAX) == 0; }},
+        {false, [&] { return m.Remove(40, 1) == 0; }},
+        {false, [&] { return m.Replace(0, -1, U("a"), 1) == 0; }},
+        {false, [&] { return m.AddSpecNumBytes(INT_MAX) == 0; }},
+        {false, [&] { return fresh.Alloc(INT_MAX - 5) == nullptr; }},  // rounding up would pass INT_MAX
+        {true, [&] { return m.Insert(3, x, 3) == 0; }},
+        {true, [&] { return m.Replace(3, 1, U("abc"), 3) == 0; }},
+        {true, [&] { return m.AddSpecNumBytes(3, 1, 2, 3) == 0; }},
+        {true, [&] { return m.AddDWord(1) == 0; }},
+        {true, [&] { return m.Append(m.GetData(), 31) == 0; }},
+        {true, [&] { return m.Replace(0, 1, m.GetData(), 30) == 0; }},
     };
     Set(m, text);
-    for (auto& edit : refused) {
-        EXPECT_TRUE(edit());
-        EXPECT_EQ(Shape(m) + Bytes(m), "32/31" + text);
-    }
-    for (auto& edit : allocating) {
-        zel::FailAllocationAfter(1);
+    for (auto& [fails, edit] : edits) {
+        zel::FailAllocationAfter(fails ? 1 : 0);
         EXPECT_TRUE(edit());
         zel::FailAllocationAfter(0);
         EXPECT_EQ(Shape(m) + Bytes(m), "32/31" + text);

@@ -27,6 +27,7 @@ bool SameParity(void* a, void* b) { return (reinterpret_cast<intptr_t>(a) - rein
 // Sentinels are never erased and nothing goes before the head.
 TEST(PtrList, InsertsEraseAndTheSentinelsStay) {
     PtrList list(SameParity);
+    EXPECT_TRUE(list.erase(list.begin()) == list.end() && list.insert(PtrList::iterator(), P(1)) == list.end());
     list.insert(list.end(), P(2));
     list.insert(list.get(0), P(1));
     list.insert(list[2], P(4));  // operator[] yields an iterator
@@ -45,6 +46,7 @@ TEST(PtrList, MisuseThrowsItsMessage) {
     list.insert(list.end(), P(2));
     PtrList::Node* first = list.get(0).node();
     PtrList::Node* last = list.get(1).node();
+    EXPECT_TRUE(list.find(P(7)) == list.end() && list.rfind(P(7)) == list.rend());
     // Links that contradict the count.
     last->next = nullptr;
     EXPECT_EQ(Thrown([](PtrList& l) { l.rfind(P(7)); }, list), "access value of iterator end()");
@@ -52,6 +54,10 @@ TEST(PtrList, MisuseThrowsItsMessage) {
     last->prev = nullptr;
     EXPECT_EQ(Thrown([](PtrList& l) { l.rfind(P(7)); }, list), "access value of iterator rend()");
     last->prev = first;
+    first->next = nullptr;
+    EXPECT_EQ(Thrown([](PtrList& l) { l.get(1); }, list), "iterator out of range");
+    EXPECT_EQ(Thrown([](PtrList& l) { l.find(P(7)); }, list), "iterator out of range");
+    first->next = last;
     EXPECT_EQ(Values(list), (std::vector<intptr_t>{1, 2}));
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include <zel/errors.h>
+#include <zel/memory.h>
 #include <zel/minimem.h>
 #include <zel/mstring.h>
 #include <zel/textfuncs.h>
@@ -31,8 +32,11 @@ std::wstring Split(const wchar_t* text, wchar_t separator = L',') {
 
 }  // namespace
 
+// Null reads as the empty text; a null target takes nothing.
 TEST(TextFuncs, NullReadsAsEmptyAndSearchesStayInTheText) {
     EXPECT_TRUE(mystrlen(nullptr) == 0 && mystrcmp(nullptr, L"") == 0 && !mystrstr(nullptr, L"a"));
+    EXPECT_TRUE(!mystrchr(nullptr, L'a') && !mystrrchr(nullptr, L'a') && !mystrcpy(nullptr, L"x") && !mystrcat(nullptr, L"x"));
+    EXPECT_TRUE(GetTextHash(nullptr) == 0 && myatoi(nullptr) == 0 && !IsValidName(nullptr) && FromUtf8(nullptr).empty());
     EXPECT_LT(mystrcmp(L"a", L"\x10000"), 0);
     EXPECT_LT(mystrnicmp(L"ABc", L"abD", 3), 0);
     const wchar_t* hay = L"aaab";
@@ -48,6 +52,7 @@ TEST(TextFuncs, NullReadsAsEmptyAndSearchesStayInTheText) {
 TEST(TextFuncs, NumbersSaturate) {
     EXPECT_EQ(myatoi(L"99999999999"), INT_MAX);
     EXPECT_EQ(myatoi(L" -123456789012345678901234567890"), INT_MIN);
+    EXPECT_EQ(myatoi(L"-99999999999"), INT_MIN);
     EXPECT_EQ(myatof(L"-1e400"), -HUGE_VAL);
     EXPECT_EQ(myatof(L"1000000e303"), HUGE_VAL);
     EXPECT_TRUE(std::signbit(myatof(L"-1e-400")));
@@ -73,7 +78,7 @@ TEST(TextFuncs, HashesAndNames) {
     EXPECT_EQ(GetTextHash(wraps), 1u);
     const wchar_t last[] = {0x10FFFF, L'0', 0}, past[] = {0x110000, 0};
     for (const wchar_t* name : {L"_x", L"名字1", L"aZ_09", last}) EXPECT_TRUE(IsValidName(name)) << name;
-    for (const wchar_t* name : {L"9a", L"a:", L"a{", L"`", past}) EXPECT_FALSE(IsValidName(name)) << name;
+    for (const wchar_t* name : {L"9a", L"a-b", L"a:", L"a{", L"`", past}) EXPECT_FALSE(IsValidName(name)) << name;
 }
 
 TEST(TextFuncs, Utf8RoundTripAndInvalidInput) {
@@ -96,7 +101,7 @@ TEST(TextFuncs, StringListTrimsItems) {
 TEST(TextFuncs, Escapes) {
     const std::pair<const wchar_t*, std::wstring> cases[] = {
         {L"a\\n\\t\\\\\\\"\\x4e2D!\\u4E2D\\0\\q\\x\\", std::wstring(L"a\n\t\\\"中!中\0\\q\\x\\", 14)},
-        {L"\\u12345", L"\x1234" L"5"},
+        {L"\\r\\a\\b\\f\\v\\'\\u12345", L"\r\a\b\f\v'\x1234" L"5"},
         {L"\\x/\\x:\\x@\\x`\\xg", L"\\x/\\x:\\x@\\x`\\xg"},
     };
     CMiniMem out;
@@ -110,7 +115,8 @@ TEST(TextFuncs, Escapes) {
 // an empty value.
 TEST(TextFuncs, ExtendedProperties) {
     CMString value(L"kept");
-    EXPECT_FALSE(GetExtendPropertyValue(L"a=1; b = x=y ;c", L"B", value));
+    EXPECT_FALSE(GetExtendPropertyValue(L"a=1; b = x=y ;c", L"B", value) || GetExtendPropertyValue(nullptr, L"a", value) ||
+                 GetExtendPropertyValue(L"a=1", L"", value));
     EXPECT_EQ(value, L"kept");
     EXPECT_TRUE(GetExtendPropertyValue(L"a=1; b = x=y ;c", L"b", value) && value == L"x=y");
     EXPECT_TRUE(GetExtendPropertyValue(L"x=1; a ;b=2", L"a", value) && value.IsEmpty());
@@ -122,13 +128,21 @@ TEST(TextFuncs, StrtokSplitsInPlaceAndContinues) {
     EXPECT_STREQ(mystrtok(text, L",;"), L"a");
     EXPECT_STREQ(mystrtok(nullptr, L","), L"bc;;d");
     EXPECT_EQ(mystrtok(nullptr, L",;"), nullptr);
+    wchar_t other[] = L"a b,c d";  // no delimiters at all take the rest
+    EXPECT_STREQ(mystrtok(other, L" "), L"a");
+    EXPECT_STREQ(mystrtok(nullptr, nullptr), L"b,c d");
 }
 
 // The print family makes the stream wide: it runs in a child.
 TEST(TextFuncs, PrintFamilyWritesWideStringsForPercentS) {
     ChildResult child = RunInChild([] {
+        zel::FailAllocationAfter(1);  // no memory for the format's copy: -1, nothing printed
+        int failed = wprintf_linux(const_cast<wchar_t*>(L"%s"), L"x");
+        zel::FailAllocationAfter(1);
+        failed += fwprintf_linux(stderr, const_cast<wchar_t*>(L"%s"), L"x");
+        zel::FailAllocationAfter(0);
         return wprintf_linux(const_cast<wchar_t*>(L"[%s]"), L"x") * 10 +
-               fwprintf_linux(stderr, const_cast<wchar_t*>(L"%s=%d"), L"工具", 7);
+               fwprintf_linux(stderr, const_cast<wchar_t*>(L"%s=%d"), L"工具", 7) + failed + 2;
     });
     EXPECT_EQ(child.status, 34);
     EXPECT_EQ(child.out + child.err, "[x]工具=7");
