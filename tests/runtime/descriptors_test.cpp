@@ -40,28 +40,21 @@ TEST(Descriptors, EnumerationSkipsClassesWithoutElementTable) {
     EXPECT_EQ(elements, 1);
 }
 
+// A getter takes nothing and returns a type; a setter takes one value and
+// returns none.
 TEST(Descriptors, PropertyPredicates) {
-    struct Case {
-        unsigned flags;
-        int params;
-        const wchar_t* type;
-        bool read, write;
-    } cases[] = {
-        {ZEL_PROPERTY, 0, L"_i", true, false},
-        {ZEL_PROPERTY, 0, L"", false, false},     // a getter needs a type
-        {ZEL_PROPERTY, 1, nullptr, false, true},  // a setter has none
-        {ZEL_PROPERTY, 1, L"_i", false, false},
-        {ZEL_METHOD, 0, L"_i", false, false},
-    };
-    for (const Case& c : cases) {
+    auto item = [](unsigned flags, int params, const wchar_t* type) {
         tagMethodItem m{};
-        m.flags = c.flags;
-        m.paramCount = c.params;
-        m.returnType = const_cast<wchar_t*>(c.type);
-        EXPECT_EQ(MethodIsReadProperty(&m), c.read) << c.flags << "/" << c.params;
-        EXPECT_EQ(MethodIsWriteProperty(&m), c.write) << c.flags << "/" << c.params;
-        EXPECT_EQ(MethodIsProperty(&m), c.read || c.write);
-    }
+        m.flags = flags;
+        m.paramCount = params;
+        m.returnType = const_cast<wchar_t*>(type);
+        return m;
+    };
+    tagMethodItem getter = item(ZEL_PROPERTY, 0, L"_i"), setter = item(ZEL_PROPERTY, 1, nullptr);
+    EXPECT_TRUE(MethodIsReadProperty(&getter) && !MethodIsWriteProperty(&getter) && MethodIsProperty(&getter));
+    EXPECT_TRUE(!MethodIsReadProperty(&setter) && MethodIsWriteProperty(&setter) && MethodIsProperty(&setter));
+    for (tagMethodItem odd : {item(ZEL_PROPERTY, 0, L""), item(ZEL_PROPERTY, 1, L"_i"), item(ZEL_METHOD, 0, L"_i")})
+        EXPECT_FALSE(MethodIsProperty(&odd));
     EXPECT_FALSE(MethodIsProperty(nullptr));
 }
 
