@@ -34,12 +34,8 @@ tagMethodItem kTopMethods[] = {
     MakeMethod(ZEL_CONSTRUCTOR, L"空构造", L"", nullptr, 0, nullptr, L""),
     MakeMethod(ZEL_METHOD, L"方法", L"", nullptr, 0, zel::Fn2Ptr(Middle), L""),
 };
-tagMethodItem kMiddleMethods[] = {
-    MakeMethod(ZEL_CONSTRUCTOR, L"构造", L"", nullptr, 0, zel::Fn2Ptr(Middle), L""),
-};
-tagMethodItem kLowestMethods[] = {
-    MakeMethod(ZEL_CONSTRUCTOR, L"构造", L"", nullptr, 0, zel::Fn2Ptr(Lowest), L""),
-};
+tagMethodItem kMiddleMethods[] = {MakeMethod(ZEL_CONSTRUCTOR, L"构造", L"", nullptr, 0, zel::Fn2Ptr(Middle), L"")};
+tagMethodItem kLowestMethods[] = {MakeMethod(ZEL_CONSTRUCTOR, L"构造", L"", nullptr, 0, zel::Fn2Ptr(Lowest), L"")};
 
 tagTBaseTypeInfo Record(const wchar_t* name, tagMethodItem* methods, int count) {
     tagTBaseTypeInfo r{};
