@@ -11,7 +11,7 @@ class TestObject {
 public:
     using Hook = void (*)(ZelObject*);
     // `level` is where the record sits in the chain (1 for most classes);
-    // the levels below it get records named by `lowerNames` or none.
+    // the levels below it have no record.
     TestObject(tagTBaseTypeInfo* record, Hook init = nullptr, Hook free = nullptr, int level = 1);
     ~TestObject();
     TestObject(const TestObject&) = delete;

@@ -1,5 +1,6 @@
-// Error reports without a runtime (or with one that takes no reports), and
-// the print family: which "%s" it swaps, and formats that cannot be copied.
+// What the platform layer shows for real: error reports without a runtime,
+// console frames and answers, the exit code and the memory figures; and the
+// print family: which "%s" it swaps, and formats that cannot be copied.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -9,6 +10,7 @@
 #include <zel/errors.h>
 #include <zel/memory.h>
 #include <zel/mstring.h>
+#include <zel/os.h>
 #include <zel/services.h>
 #include <zel/values.h>
 
@@ -33,7 +35,6 @@ TEST(Report, EveryFormOnTheErrorStream) {
         {nullptr, -2, nullptr, 255, "发生错误码为-2的严重错误\n"},
         {nullptr, -3, L"坏", 255, "严重错误(-3): 坏\n"},
         {L"工具", -4, nullptr, 255, "类库\"工具\"中发生错误码为-4的严重错误\n"},
-        {L"工具", 0, L"", 0, "类库\"工具\"中发生错误码为0的错误\n"},
     };
     for (const Case& c : cases) {
         ChildResult r = RunInChild([&] {
@@ -44,21 +45,6 @@ TEST(Report, EveryFormOnTheErrorStream) {
         EXPECT_EQ(r.err, c.text);
         EXPECT_EQ(r.out, "");
     }
-}
-
-TEST(Report, ARuntimeWithoutTheReportServicePrintsAsIfAbsent) {
-    tagMethodItem services[2] = {};  // lock and unlock only, both empty
-    tagTBaseTypeInfo runtimeClass{};
-    runtimeClass.methodCount = 2;
-    runtimeClass.methods = services;
-    ChildResult r = RunInChild([&] {
-        g_pRuntimeClassInfo = &runtimeClass;
-        int n = MReportError(W(L"工具"), 9, W(L"丢失"));
-        g_pRuntimeClassInfo = nullptr;
-        return n > 0 ? 0 : 1;
-    });
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.err, "类库\"工具\"中发生错误(9): 丢失\n");
 }
 
 TEST(Print, SwapsOnlyTheCharacterAfterPercent) {
@@ -86,17 +72,50 @@ TEST(Print, FormatsWithoutACopyPrintNothing) {
     EXPECT_EQ(swprintf_linux(buf, W(L"<%s>"), L"x"), -1);
     EXPECT_STREQ(buf, L"old");
     zel::FailAllocationAfter(1);
-    EXPECT_EQ(wprintf_linux(W(L"%s\n"), L"x"), -1);
-    FILE* file = std::tmpfile();
-    ASSERT_NE(file, nullptr);
-    zel::FailAllocationAfter(1);
-    EXPECT_EQ(fwprintf_linux(file, W(L"%s"), L"x"), -1);
-    EXPECT_EQ(std::ftell(file), 0L);
-    zel::FailAllocationAfter(1);
-    EXPECT_EQ(fwprintf_linux(file, W(L"%d"), 42), 2);  // no copy needed: printed
+    EXPECT_EQ(swprintf_linux(buf, W(L"%d"), 42), 2);  // no copy needed: printed
     EXPECT_EQ(zel::AllocationCountdown(), 1);
     zel::FailAllocationAfter(0);
-    std::fclose(file);
+}
+
+TEST(Console, AnswersToAQuestion) {
+    struct Case {
+        std::string input;
+        int answer;  // exit status of the child: 1 yes, 0 no
+    } cases[] = {
+        {"?\n \tY", 1},               // anything else is skipped
+        {"y", 1},
+        {"N", 0},
+        {"n", 0},
+        {std::string("\0y", 2), 0},  // a zero character answers no
+        {"", 0},                      // so does the end of input
+    };
+    for (const Case& c : cases) {
+        ChildResult r = RunInChild([] { return int(OS::yesOrNo(L"继续")); }, c.input);
+        EXPECT_EQ(r.status, c.answer) << c.input;
+        EXPECT_EQ(r.out, "\n[询问]：继续[Y/N]\n") << c.input;
+    }
+}
+
+TEST(Console, FramesAndTheExitCode) {
+    ChildResult r = RunInChild([] {
+        OS::warning(L"小心");
+        OS::information(L"好");
+        OS::error(L"坏了");
+        std::fflush(stdout);
+        OS::MExit(3);
+        return 0;
+    });
+    EXPECT_EQ(r.status, 3);
+    EXPECT_EQ(r.out, "\n[警告]：小心\n\a\n[信息]：好\n\n[错误]：坏了\n");
+}
+
+// The system's meminfo is longer than the 1024 bytes read: the read fails with
+// zeros, and the percent of a zero total is 0 rather than a division by zero.
+TEST(MemoryFigures, AFailedReadGivesZeros) {
+    unsigned total = 9, free = 9;
+    if (OS::GetMemoryInfo(total, free)) GTEST_SKIP() << "this system's meminfo is short enough to read";
+    EXPECT_TRUE(total == 0 && free == 0);
+    EXPECT_EQ(OS::GetUsedMemoryPercent(), 0u);
 }
 
 }  // namespace
