@@ -37,6 +37,9 @@ TEST(Descriptors, EnumerationSkipsClassesWithoutElementTable) {
     EnumObjectAllElements(object.get(), CountElement, &elements);
     EnumObjectAllElements(object.get(), nullptr, &elements);  // no callback, nothing done
     EnumObjectAllMethods(object.get(), nullptr, &seen);
+    EnumObjectAllMethods(nullptr, Collect, &seen);  // no object, nothing visited
+    EnumObjectAllElements(nullptr, CountElement, &elements);
+    EXPECT_EQ(seen.size(), 2u);
     EXPECT_EQ(elements, 1);
 }
 

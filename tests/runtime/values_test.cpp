@@ -119,7 +119,6 @@ TEST(Clones, ConstantsAreNeverFreedOrResizedAndBadInputGivesThem) {
     auto* copy = static_cast<int*>(zel_realloc(zel::EmptyBin(), 20));
     ASSERT_NE(copy, nullptr);
     EXPECT_TRUE(copy[0] == 0 && copy[1] == 1 && copy[2] == 0);  // the 12 bytes up to the end of the block
-    EXPECT_TRUE(zel::UsableSize(copy) >= 20 && zel::UsableSize(nullptr) == 0);
     zel_free(copy);
     EXPECT_EQ(reinterpret_cast<int*>(zel::EmptyBin())[1], 1);
 
