@@ -184,7 +184,9 @@ int HashKV::IsExist(void* key) { return GetKV(key) != nullptr; }
 HashKV::KV* HashKV::GetKV(void* key) const {
     if (!m_buckets || m_count == 0) return nullptr;
     // The text map's own functions are inlined: no call per lookup and
-    // cell, and the probe's length is counted once.
+    // cell, and the probe's length is counted once. The map is known by its
+    // functions (the table's fixed layout has no room for a kind), so one
+    // given other functions with SetFunctions takes the general path.
     if (m_hash == TextMapHash && m_equals == TextMapEquals) {
         auto* probe = static_cast<const wchar_t*>(key);
         int length;
